@@ -1,0 +1,178 @@
+#include "sim_host.h"
+
+#include "sim_values.h"
+#include "zlrapi_utils.h"
+#include "zlrbase_messages.h"
+
+#include <cstdio>
+
+namespace zelvar_sim {
+namespace {
+
+void describeValue(zlr::IfValue* value, MessageRecord& record)
+{
+    if (!value) {
+        return;
+    }
+    record.value_type = value->getType();
+    if (record.value_type == zlr::VALUE_TYPE_UINT64) {
+        record.number = static_cast<UInt64Value*>(value)->value();
+    } else {
+        record.text = valueText(value);
+    }
+}
+
+} // namespace
+
+SimHost::SimHost() = default;
+
+SimHost::~SimHost()
+{
+    m_tree.clear();
+}
+
+void SimHost::setIdentity(const std::string& name, const std::string& version)
+{
+    m_tree.setString(zlr::tree::PLUGIN_HOST, zlr::tree::NAME, name);
+    m_tree.setString(zlr::tree::PLUGIN_HOST, zlr::tree::VERSION_STRING, version);
+}
+
+std::int64_t SimHost::valuesOutsideTree() const
+{
+    return m_ledger.live() - static_cast<std::int64_t>(m_tree.size());
+}
+
+void SimHost::setResponder(std::uint32_t id, Responder responder)
+{
+    std::lock_guard lock(m_mutex);
+    m_responders[id] = std::move(responder);
+}
+
+std::vector<MessageRecord> SimHost::messages() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_messages;
+}
+
+std::vector<MessageRecord> SimHost::messagesWithId(std::uint32_t id) const
+{
+    std::lock_guard lock(m_mutex);
+    std::vector<MessageRecord> matching;
+    for (const MessageRecord& record : m_messages) {
+        if (record.id == id) {
+            matching.push_back(record);
+        }
+    }
+    return matching;
+}
+
+void SimHost::clearMessages()
+{
+    std::lock_guard lock(m_mutex);
+    m_messages.clear();
+}
+
+zlr::IfValue* SimHost::createValue(std::uint32_t type)
+{
+    return makeValue(m_ledger, type);
+}
+
+std::uint64_t SimHost::deliver(MessageRecord record, zlr::IfValue** result)
+{
+    Responder responder;
+    {
+        std::lock_guard lock(m_mutex);
+        const auto found = m_responders.find(record.id);
+        if (found != m_responders.end()) {
+            responder = found->second;
+        }
+    }
+    record.wants_result = result != nullptr;
+    // A responder may call back into the plug-in, so it runs unlocked.
+    record.answer = responder ? responder(record, result) : zlr::RESULT_OK;
+    std::lock_guard lock(m_mutex);
+    m_messages.push_back(record);
+    return record.answer;
+}
+
+std::uint64_t SimHost::messageSync(std::uint32_t id, std::uint64_t key, zlr::IfValue* value,
+                                   zlr::IfValue** result)
+{
+    MessageRecord record;
+    record.kind = CallKind::sync;
+    record.id = id;
+    record.key = key;
+    describeValue(value, record);
+    return deliver(std::move(record), result);
+}
+
+std::uint64_t SimHost::messageSyncData(std::uint32_t id, std::uint64_t key, const void* data,
+                                       std::uint64_t size, zlr::IfValue** result)
+{
+    MessageRecord record;
+    record.kind = CallKind::sync_data;
+    record.id = id;
+    record.key = key;
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    if (bytes && size) {
+        record.bytes.assign(bytes, bytes + size);
+        // Telegrams arrive with their terminator counted; the text leaves it out.
+        std::size_t text_size = record.bytes.size();
+        if (text_size && record.bytes.back() == 0) {
+            --text_size;
+        }
+        record.text.assign(reinterpret_cast<const char*>(bytes), text_size);
+    }
+    return deliver(std::move(record), result);
+}
+
+std::uint64_t SimHost::messageAsync(std::uint32_t id, std::uint64_t key, zlr::IfValue* value)
+{
+    MessageRecord record;
+    record.kind = CallKind::async;
+    record.id = id;
+    record.key = key;
+    describeValue(value, record);
+    return deliver(std::move(record), nullptr);
+}
+
+zlr::IfValue* SimHost::queryValue(const char* path, const char* key, std::uint64_t,
+                                  std::uint64_t)
+{
+    if (!path || !key) {
+        return nullptr;
+    }
+    return m_tree.query(path, key);
+}
+
+std::string messageName(std::uint32_t id)
+{
+    switch (id) {
+#define ZELVAR_SIM_NAME(message)                                                                 \
+    case zlr::message:                                                                           \
+        return #message;
+        ZELVAR_SIM_NAME(HOST_ADD_TRANSLATION)
+        ZELVAR_SIM_NAME(HOST_UPDATE_CHANNELS)
+        ZELVAR_SIM_NAME(HOST_UPDATE_CONFIG)
+        ZELVAR_SIM_NAME(HOST_WRITE_SAMPLES)
+        ZELVAR_SIM_NAME(HOST_ADD_TASK)
+        ZELVAR_SIM_NAME(HOST_REMOVE_TASK)
+        ZELVAR_SIM_NAME(HOST_REGISTER_SOFTWARE_CHANNEL)
+        ZELVAR_SIM_NAME(HOST_UNREGISTER_SOFTWARE_CHANNEL)
+        ZELVAR_SIM_NAME(HOST_REREGISTER_SOFTWARE_CHANNEL)
+        ZELVAR_SIM_NAME(HOST_DATA_SET_REGISTER)
+        ZELVAR_SIM_NAME(HOST_DATA_SET_UNREGISTER)
+        ZELVAR_SIM_NAME(HOST_DATA_REQUEST)
+        ZELVAR_SIM_NAME(HOST_DATA_REGIONS_REQUEST)
+        ZELVAR_SIM_NAME(HOST_DATA_STREAM_START)
+        ZELVAR_SIM_NAME(HOST_DATA_STREAM_STOP)
+#undef ZELVAR_SIM_NAME
+    default: {
+        char text[16];
+        std::snprintf(text, sizeof text, "0x%X", id);
+        return text;
+    }
+    }
+}
+
+} // namespace zelvar_sim
