@@ -90,12 +90,15 @@ PluginLibrary::~PluginLibrary()
     dlclose(m_handle);
 }
 
-PluginSession::PluginSession(PluginLibrary& library, SimHost& host)
-    : m_library(library), m_host(host)
+namespace {
+
+// The host's own look at the manifest: a plug-in that asks for a newer host
+// is never created.
+void refuseOlderHost(const PluginLibrary& library, SimHost& host)
 {
     const auto version = zlr::queryStringValue(&host, zlr::tree::PLUGIN_HOST,
                                                zlr::tree::VERSION_STRING);
-    const std::string host_version = version ? version->getData() : "";
+    const std::string host_version = version && version->getData() ? version->getData() : "";
     bool new_enough = false;
     try {
         new_enough = zlr::framework::isVersionAtLeast(
@@ -108,7 +111,16 @@ PluginSession::PluginSession(PluginLibrary& library, SimHost& host)
                         library.manifestInfo().minimum_host_version + ", this host is \"" +
                         host_version + "\"");
     }
+}
 
+} // namespace
+
+PluginSession::PluginSession(PluginLibrary& library, SimHost& host, SessionOptions options)
+    : m_library(library), m_host(host)
+{
+    if (options.check_minimum_version) {
+        refuseOlderHost(library, host);
+    }
     if (!library.createFunction()(&HOST_INTERFACE_ID, &m_plugin) || !m_plugin) {
         throw LoadError(library.path() + ": zvCreatePlugin made no plug-in");
     }

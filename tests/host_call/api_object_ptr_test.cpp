@@ -1,0 +1,66 @@
+// The holder keeps exactly one reference, whatever is done with it.
+#include "sim_values.h"
+#include "zlrbase_api_object_ptr.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+namespace {
+
+using zelvar_sim::StringValue;
+using zelvar_sim::ValueLedger;
+using Holder = zlr::zlrbase_api_object_ptr<zlr::IfStringValue>;
+
+TEST(ApiObjectPtr, KeepsExactlyOneReferenceThroughEveryOperation)
+{
+    ValueLedger ledger;
+    {
+        auto* fresh = new StringValue(ledger, "a"); // one reference, as from createValue
+        Holder held;
+        held.adopt(fresh);
+        EXPECT_EQ(fresh->references(), 1);
+
+        Holder copy(held);
+        EXPECT_EQ(fresh->references(), 2);
+        Holder moved(std::move(copy));
+        EXPECT_EQ(fresh->references(), 2);
+        EXPECT_FALSE(copy);
+
+        moved = held; // the same object again: no change, no early death
+        EXPECT_EQ(fresh->references(), 2);
+        held = held;
+        EXPECT_EQ(fresh->references(), 2);
+
+        auto* other = new StringValue(ledger, "b");
+        moved.adopt(other); // the old object loses its reference, the new one is held once
+        EXPECT_EQ(fresh->references(), 1);
+        EXPECT_EQ(other->references(), 1);
+
+        zlr::IfStringValue* given_away = moved.detach();
+        EXPECT_FALSE(moved);
+        EXPECT_EQ(ledger.live(), 2);
+        given_away->release();
+        EXPECT_EQ(ledger.live(), 1);
+    }
+    EXPECT_EQ(ledger.live(), 0);
+}
+
+TEST(ApiObjectPtr, EmptyHolderReportsTheDereference)
+{
+    static int reports = 0;
+    static std::string expression;
+    const auto previous = zlr::setAssertionHandler(
+        [](const char* expr, const char*, const char*, int) {
+            ++reports;
+            expression = expr;
+            return 1;
+        });
+    Holder empty;
+    EXPECT_EQ(empty.operator->(), nullptr);
+    zlr::setAssertionHandler(previous);
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(expression, "m_p != 0");
+}
+
+} // namespace
