@@ -1,0 +1,91 @@
+#include "zlruni_logger.h"
+
+#include "zlr_log_capture.h"
+
+#include <boost/log/core/core.hpp>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zlr {
+namespace {
+
+// Counts how often a message was formatted.
+struct CountedText {
+    int* count;
+};
+
+std::ostream& operator<<(std::ostream& out, const CountedText& text)
+{
+    ++*text.count;
+    return out << "counted";
+}
+
+TEST(Logger, RecordsCarryTextSeverityAndChannel)
+{
+    test::LogCapture capture;
+    const std::string name = "n";
+    ZLR_LOG(UniLogSeverityLevel::Error, "property " << name << " is not of type int");
+    ZLR_LOG(UniLogSeverityLevel::Failure, "Unknown property data type " << 99);
+    ZLR_LOG(UniLogSeverityLevel::Note, "Warning: " << 1.5);
+    const std::vector<test::CapturedRecord> expected = {
+        {"property n is not of type int", 6, "ZLRAPI"},
+        {"Unknown property data type 99", 5, "ZLRAPI"},
+        {"Warning: 1.5", 1, "ZLRAPI"},
+    };
+    EXPECT_EQ(capture.records(), expected);
+    EXPECT_EQ(&getLogger(), &getLogger());
+}
+
+TEST(Logger, FormatsNothingWithoutAnOpenRecord)
+{
+    int count = 0;
+    {
+        // A sink that refuses the level.
+        test::LogCapture capture(5);
+        ZLR_LOG(UniLogSeverityLevel::Note, CountedText{&count});
+        EXPECT_EQ(count, 0);
+        ZLR_LOG(UniLogSeverityLevel::Failure, CountedText{&count});
+        EXPECT_EQ(count, 1);
+        EXPECT_EQ(capture.records().size(), 1u);
+    }
+    {
+        // A disabled core.
+        test::LogCapture capture;
+        boost::log::core::get()->set_logging_enabled(false);
+        ZLR_LOG(UniLogSeverityLevel::Error, CountedText{&count});
+        boost::log::core::get()->set_logging_enabled(true);
+        EXPECT_EQ(count, 1);
+        EXPECT_TRUE(capture.records().empty());
+    }
+}
+
+TEST(Logger, ThreadsKeepTheirOwnSeverity)
+{
+    test::LogCapture capture;
+    const UniLogSeverityLevel::T levels[] = {UniLogSeverityLevel::Note,
+                                             UniLogSeverityLevel::Failure,
+                                             UniLogSeverityLevel::Error};
+    std::vector<std::thread> threads;
+    for (const auto level : levels) {
+        threads.emplace_back([level]() {
+            for (int i = 0; i < 2000; ++i) {
+                ZLR_LOG(level, "level " << static_cast<unsigned>(level));
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    const auto records = capture.records();
+    EXPECT_EQ(records.size(), 6000u);
+    for (const auto& record : records) {
+        ASSERT_EQ(record.text, "level " + std::to_string(record.severity));
+    }
+}
+
+} // namespace
+} // namespace zlr

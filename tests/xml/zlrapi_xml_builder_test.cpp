@@ -1,0 +1,174 @@
+#include "zlrapi_xml_builder.h"
+
+#include "zlr_assert_capture.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <sstream>
+#include <string>
+
+namespace zlr {
+namespace {
+
+const std::string DECLARATION = "<?xml version=\"1.0\"?>";
+
+std::string build(const std::function<void(XmlBuilder&)>& body)
+{
+    std::ostringstream out;
+    XmlBuilder builder(out);
+    body(builder);
+    builder.flush();
+    return out.str();
+}
+
+std::string doubleAttribute(double value)
+{
+    return build([value](XmlBuilder& b) { b.child("D", {XmlAttribute("v", value)}); });
+}
+
+TEST(XmlBuilder, WritesElementsAndAttributesByteForByte)
+{
+    struct Case {
+        const char* what;
+        std::function<void(XmlBuilder&)> body;
+        std::string expected;
+    };
+    const std::string key_name = "data_set_key";
+    const Case cases[] = {
+        {"declaration only", [](XmlBuilder&) {}, DECLARATION},
+        {"empty element", [](XmlBuilder& b) { b.child("Name"); }, DECLARATION + "<Name/>"},
+        {"attributes at opening",
+         [&](XmlBuilder& b) {
+             b.child("Root", {XmlAttribute(key_name, std::uint64_t{42}), XmlAttribute("ok", true),
+                              XmlAttribute("no", false), XmlAttribute("t", "x")});
+         },
+         DECLARATION + "<Root data_set_key=\"42\" ok=\"true\" no=\"false\" t=\"x\"/>"},
+        {"attribute added later",
+         [](XmlBuilder& b) {
+             XmlBuilderElement root = b.child("Root");
+             root.addAttribute(XmlAttribute("a", std::uint64_t{1}));
+             root.addAttribute(XmlAttribute("b", "two"));
+         },
+         DECLARATION + "<Root a=\"1\" b=\"two\"/>"},
+        {"nested elements",
+         [](XmlBuilder& b) {
+             XmlBuilderElement root = b.child("A", {XmlAttribute("k", std::uint64_t{7})});
+             {
+                 XmlBuilderElement inner = root.child("B");
+                 inner.child("C");
+             }
+             root.child("D").addAttribute(XmlAttribute("x", 0.5));
+         },
+         DECLARATION + "<A k=\"7\"><B><C/></B><D x=\"0.5\"/></A>"},
+        {"explicit close is final",
+         [](XmlBuilder& b) {
+             XmlBuilderElement root = b.child("A");
+             root.close();
+             root.close();
+         },
+         DECLARATION + "<A/>"},
+        {"escaping of the five characters only",
+         [](XmlBuilder& b) { b.child("E", {XmlAttribute("v", "a\"b&c'd<e>f\n\t\x01\xC3\xA4g")}); },
+         DECLARATION + "<E v=\"a&quot;b&amp;c&apos;d&lt;e&gt;f\n\t\x01\xC3\xA4g\"/>"},
+        {"names are not escaped",
+         [](XmlBuilder& b) { b.child("a&b", {XmlAttribute("c<d", "")}); },
+         DECLARATION + "<a&b c<d=\"\"/>"},
+        {"largest unsigned",
+         [](XmlBuilder& b) {
+             b.child("U", {XmlAttribute("v", std::numeric_limits<std::uint64_t>::max())});
+         },
+         DECLARATION + "<U v=\"18446744073709551615\"/>"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(build(c.body), c.expected) << c.what;
+    }
+}
+
+TEST(XmlBuilder, PrintsDoublesLikePrintfWithSeventeenDigits)
+{
+    const double quiet_nan = std::numeric_limits<double>::quiet_NaN();
+    const double signalling_nan = std::numeric_limits<double>::signaling_NaN();
+    const double default_nan = std::bit_cast<double>(std::uint64_t{0xFFF8000000000000});
+    const double negative_payload_nan = std::bit_cast<double>(std::uint64_t{0xFFF8000000000001});
+    const double negative_signalling_nan =
+        std::bit_cast<double>(std::uint64_t{0xFFF0000000000001});
+    const struct {
+        double value;
+        const char* text;
+    } cases[] = {
+        {1e300, "1.0000000000000001e+300"},
+        {1.0 / 3.0, "0.33333333333333331"},
+        {0.1, "0.10000000000000001"},
+        {1.0, "1"},
+        {0.0, "0"},
+        {-0.0, "-0"},
+        {-2.5, "-2.5"},
+        {1e-5, "1.0000000000000001e-05"},
+        {123456789012345678.0, "1.2345678901234568e+17"},
+        {std::numeric_limits<double>::denorm_min(), "4.9406564584124654e-324"},
+        {std::numeric_limits<double>::max(), "1.7976931348623157e+308"},
+        {std::numeric_limits<double>::infinity(), "inf"},
+        {-std::numeric_limits<double>::infinity(), "-inf"},
+        {quiet_nan, "nan"},
+        {signalling_nan, "nan(snan)"},
+        {default_nan, "-nan(ind)"},
+        {negative_payload_nan, "-nan"},
+        {negative_signalling_nan, "-nan(snan)"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(doubleAttribute(c.value), DECLARATION + "<D v=\"" + c.text + "\"/>") << c.text;
+    }
+}
+
+TEST(XmlBuilder, LongNamesAndStepsBackOnTheStream)
+{
+    for (const std::size_t length : {764u, 765u, 766u, 767u, 768u, 769u, 2000u}) {
+        const std::string name(length, 'n');
+        EXPECT_EQ(build([&](XmlBuilder& b) { b.child(name); }), DECLARATION + "<" + name + "/>")
+            << length;
+        EXPECT_EQ(build([&](XmlBuilder& b) {
+                      XmlBuilderElement root = b.child(name);
+                      root.addAttribute(XmlAttribute("a", "b"));
+                      root.child(name);
+                  }),
+                  DECLARATION + "<" + name + " a=\"b\"><" + name + "/></" + name + ">")
+            << length;
+    }
+
+    // A close right after a flush finds the buffer empty and steps back on
+    // the stream itself.
+    std::ostringstream out;
+    XmlBuilder builder(out);
+    {
+        XmlBuilderElement root = builder.child("Root");
+        builder.flush();
+        EXPECT_EQ(out.str(), DECLARATION + "<Root>");
+        root.addAttribute(XmlAttribute("a", std::uint64_t{5}));
+        builder.flush();
+    }
+    builder.flush();
+    EXPECT_EQ(out.str(), DECLARATION + "<Root a=\"5\"/>");
+}
+
+TEST(XmlBuilder, LateAttributeIsReportedAndBreaksTheOutput)
+{
+    test::AssertCapture asserts;
+    const std::string text = build([](XmlBuilder& b) {
+        XmlBuilderElement root = b.child("Root");
+        root.child("Child");
+        root.addAttribute(XmlAttribute("a", "b"));
+        root.addAttribute(XmlAttribute("", "c"));
+    });
+    EXPECT_EQ(asserts.reported(),
+              (std::vector<std::string>{"!m_has_children", "!m_has_children",
+                                        "!a.m_name.empty()"}));
+    // The step back ate the ">" of the child's "/>".
+    EXPECT_EQ(text, DECLARATION + "<Root><Child/ a=\"b\" =\"c\"></Root>");
+}
+
+} // namespace
+} // namespace zlr
