@@ -1,0 +1,109 @@
+#include "sim_channel_writers.h"
+#include "zlrapi_channel_id_map_xml.h"
+#include "zlrapi_channels_xml.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+namespace {
+
+template <typename Telegram>
+bool parseText(Telegram& telegram, const std::string& text)
+{
+    return telegram.parse(text.data(), text.size());
+}
+
+} // namespace
+
+TEST(ChannelIDMap, PrintsPairsInKeyOrder)
+{
+    EXPECT_EQ(zlr::writeChannelIDMap({{1, 2}}),
+              R"(<ChannelIDMap><ChannelMappingPair first="1" second="2"/></ChannelIDMap>)");
+    EXPECT_EQ(zlr::writeChannelIDMap({}), "<ChannelIDMap/>");
+    EXPECT_EQ(zlr::writeChannelIDMap({{9, 0}, {4294967295u, 3}, {0, 7}}),
+              R"(<ChannelIDMap><ChannelMappingPair first="0" second="7"/>)"
+              R"(<ChannelMappingPair first="9" second="0"/>)"
+              R"(<ChannelMappingPair first="4294967295" second="3"/></ChannelIDMap>)");
+}
+
+TEST(ChannelIDMap, RandomMapsReadBack)
+{
+    std::mt19937 random(3);
+    for (int round = 0; round < 50; ++round) {
+        std::map<std::uint32_t, std::uint32_t> written;
+        const int size = random() % 20;
+        for (int i = 0; i < size; ++i) {
+            written[random()] = random();
+        }
+        zlr::ChannelIDMapTelegram read;
+        ASSERT_TRUE(parseText(read, zlr::writeChannelIDMap(written)));
+        ASSERT_EQ(read.m_map.size(), written.size());
+        for (const auto& [first, second] : written) {
+            EXPECT_EQ(read.m_map.at(first), second);
+        }
+    }
+}
+
+TEST(ChannelIDMap, ReaderTable)
+{
+    struct Case {
+        const char* text;
+        bool answer;
+        std::map<std::uint64_t, std::uint64_t> map;
+    };
+    const Case cases[] = {
+        {R"(<ChannelIDMap><ChannelMappingPair first="1" second="2"/><ChannelMappingPair first="1" second="5"/></ChannelIDMap>)",
+         true, {{1, 5}}},
+        {R"(<ChannelIDMap><ChannelMappingPair first="18446744073709551614"/><Other first="3" second="4"/></ChannelIDMap>)",
+         true, {{18446744073709551614u, 0}}},
+        {R"(<ChannelIDMap/>)", true, {}},
+        {R"(<ChannelIdMap><ChannelMappingPair first="1" second="2"/></ChannelIdMap>)", false, {}},
+        {R"(<ChannelIDMap><ChannelMappingPair first="1" second="2"/>)", false, {}},
+    };
+    for (const Case& c : cases) {
+        zlr::ChannelIDMapTelegram telegram;
+        telegram.m_map[42] = 42;
+        EXPECT_EQ(parseText(telegram, c.text), c.answer) << c.text;
+        EXPECT_EQ(telegram.m_map, c.map) << c.text;
+    }
+}
+
+TEST(Channels, HostListsReadBack)
+{
+    std::mt19937_64 random(5);
+    for (int round = 0; round < 50; ++round) {
+        std::vector<zlr::ChannelStatusEntry> written(random() % 10);
+        for (auto& entry : written) {
+            entry.m_channel_id = random() >> 1;
+            entry.m_status = (random() & 1) ? "" : "st<&>\"'" + std::to_string(random() % 100);
+        }
+        zlr::ChannelsTelegram read;
+        ASSERT_TRUE(parseText(read, zelvar_sim::writeChannels(written)));
+        EXPECT_EQ(read.m_channels, written);
+    }
+}
+
+TEST(Channels, ReaderTable)
+{
+    struct Case {
+        const char* text;
+        bool answer;
+        std::vector<zlr::ChannelStatusEntry> entries;
+    };
+    const Case cases[] = {
+        {R"(<Channels><Channel channel_id="4" status="ok"/><Other/><Channel channel_id="0x10"/></Channels>)",
+         true, {{4, "ok"}, {16, ""}}},
+        {R"(<Channels><Channel channel_id="4"/><Channel/><Channel channel_id="5"/></Channels>)",
+         false, {{4, ""}}},
+        {R"(<Channels><Channel channel_id="18446744073709551615"/></Channels>)", false, {}},
+        {R"(<ChannelList><Channel channel_id="4"/></ChannelList>)", false, {}},
+        {"", false, {}},
+    };
+    for (const Case& c : cases) {
+        zlr::ChannelsTelegram telegram;
+        EXPECT_EQ(parseText(telegram, c.text), c.answer) << c.text;
+        EXPECT_EQ(telegram.m_channels, c.entries) << c.text;
+    }
+}

@@ -1,0 +1,133 @@
+#include "zlrapi_telegram_text.h"
+#include "zlrapi_timebase.h"
+#include "zlrapi_timestamp.h"
+#include "sim_data_set_writers.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace {
+
+std::string timebaseText(const zlr::Timebase& timebase)
+{
+    pugi::xml_document document;
+    pugi::xml_node channel = document.append_child("Channel");
+    zlr::writeTimebase(channel, timebase);
+    return zlr::nodeText(channel);
+}
+
+bool readTimebaseText(const std::string& text, zlr::Timebase& timebase)
+{
+    pugi::xml_document document;
+    EXPECT_TRUE(zlr::parseTelegram(document, text.data(), text.size())) << text;
+    return zlr::readTimebase(document.document_element(), timebase);
+}
+
+} // namespace
+
+TEST(Timebase, ElementsAndEquality)
+{
+    EXPECT_EQ(timebaseText({1, 0.1, 0.0}),
+              R"(<Channel><SimpleTimebase frequency="0.10000000000000001"/></Channel>)");
+    EXPECT_EQ(timebaseText({2, 1000.0, -2.5}),
+              R"(<Channel><TimebaseWithOffset frequency="1000" offset="-2.5"/></Channel>)");
+    EXPECT_EQ(timebaseText({}), "<Channel/>");
+
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ((zlr::Timebase{0, nan, 0.0}), zlr::Timebase{});
+    EXPECT_NE((zlr::Timebase{1, nan, 0.0}), zlr::Timebase{});
+    EXPECT_NE((zlr::Timebase{0, 1.0, 0.0}), zlr::Timebase{});
+    EXPECT_NE((zlr::Timebase{0, nan, 1.0}), zlr::Timebase{});
+}
+
+TEST(Timebase, RandomTimebasesReadBackBitForBit)
+{
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 500; ++i) {
+        zlr::Timebase written;
+        written.m_type = 1 + (random() & 1);
+        // Any finite double, including subnormals and negative ones.
+        do {
+            written.m_frequency = std::bit_cast<double>(random());
+        } while (!std::isfinite(written.m_frequency));
+        written.m_offset = written.m_type == 2 ? std::bit_cast<double>(random() >> 2) : 0.0;
+        zlr::Timebase read;
+        ASSERT_TRUE(readTimebaseText(timebaseText(written), read));
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(read.m_frequency),
+                  std::bit_cast<std::uint64_t>(written.m_frequency));
+        EXPECT_EQ(read, written);
+    }
+}
+
+TEST(Timebase, ReadingPicksTheFirstUsableElement)
+{
+    struct Case {
+        const char* text;
+        bool answer;
+        std::uint32_t type;
+        double frequency;
+        double offset;
+    };
+    const Case cases[] = {
+        {"<C><SimpleTimebase/></C>", false, 0, NAN, 0.0},
+        {"<C><SimpleTimebase frequency='nan'/></C>", false, 0, NAN, 0.0},
+        {"<C><TimebaseWithOffset frequency='10'/></C>", true, 2, 10.0, 0.0},
+        {"<C><TimebaseWithOffset offset='3'/></C>", false, 0, NAN, 0.0},
+        {"<C><SimpleTimebase/><TimebaseWithOffset frequency='5' offset='1'/></C>", true, 2, 5.0, 1.0},
+        {"<C><TimebaseWithOffset frequency='5' offset='1'/><SimpleTimebase frequency='8'/></C>", true, 1, 8.0, 0.0},
+        {"<C><Timebase frequency='5'/></C>", false, 0, NAN, 0.0},
+    };
+    for (const Case& c : cases) {
+        zlr::Timebase timebase;
+        EXPECT_EQ(readTimebaseText(c.text, timebase), c.answer) << c.text;
+        EXPECT_EQ(timebase, (zlr::Timebase{c.type, c.frequency, c.offset})) << c.text;
+    }
+}
+
+TEST(Timestamp, ParsingTable)
+{
+    struct Case {
+        const char* text;
+        bool answer;
+        std::uint64_t ticks;
+        double frequency;
+    };
+    const Case cases[] = {
+        {R"(<MasterTimebaseValue ticks="123456789012" frequency="1000000"/>)", true, 123456789012u, 1e6},
+        {R"(<T ticks="0x10" frequency="2.5"/>)", true, 16, 2.5},
+        {R"(<T ticks="010" frequency="1e3"/>)", true, 8, 1000.0},
+        {R"(<T ticks="5"/>)", false, 0, -1.0},
+        {R"(<T frequency="5"/>)", false, 0, -1.0},
+        {R"(<T ticks="abc" frequency="5"/>)", false, 0, -1.0},
+        {R"(<T ticks="5" frequency="fast"/>)", false, 5, -1.0},
+        {R"(<T ticks="99999999999999999999" frequency="5"/>)", false, 0, -1.0},
+        {R"(<T ticks="5" frequency="1e999"/>)", false, 5, -1.0},
+        {R"(<T ticks="5" frequency="1")", false, 77, 3.0},
+        {"", false, 77, 3.0},
+    };
+    for (const Case& c : cases) {
+        zlr::Timestamp timestamp{77, 3.0};
+        const std::string text = c.text;
+        EXPECT_EQ(zlr::parseTimestamp(text.data(), text.size(), timestamp), c.answer) << c.text;
+        EXPECT_EQ(timestamp.ticks, c.ticks) << c.text;
+        EXPECT_EQ(timestamp.frequency, c.frequency) << c.text;
+        EXPECT_EQ(timestamp.isValid(), c.frequency > 0.0);
+    }
+}
+
+TEST(Timestamp, HostClockReadsBack)
+{
+    std::mt19937_64 random(11);
+    for (int i = 0; i < 200; ++i) {
+        const zlr::Timestamp written{random(), std::ldexp(double(random() >> 11), -20)};
+        const std::string text = zelvar_sim::writeMasterTimebaseValue(written);
+        zlr::Timestamp read;
+        ASSERT_TRUE(zlr::parseTimestamp(text.data(), text.size(), read)) << text;
+        EXPECT_EQ(read, written) << text;
+    }
+}
