@@ -1,6 +1,6 @@
 #include "sim_channel_writers.h"
 
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <pugixml.hpp>
 
@@ -17,7 +17,7 @@ std::string writeChannels(const std::vector<zlr::ChannelStatusEntry>& channels)
             element.append_attribute("status") = entry.m_status.c_str();
         }
     }
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 std::string writeChannelDataFormat(std::uint64_t channel_id, const zlr::DataFormat& format)
@@ -26,7 +26,7 @@ std::string writeChannelDataFormat(std::uint64_t channel_id, const zlr::DataForm
     pugi::xml_node root = document.append_child("Channel");
     root.append_attribute("channel_id") = channel_id;
     zlr::writeDataFormat(root, format);
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 std::string writeDataFormatDocument(const zlr::DataFormat& format, bool wrapped)
@@ -37,7 +37,7 @@ std::string writeDataFormatDocument(const zlr::DataFormat& format, bool wrapped)
         parent = document.append_child("ChannelDataFormat").append_child("Channel");
     }
     zlr::writeDataFormat(parent, format);
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 } // namespace zelvar_sim

@@ -1,6 +1,6 @@
 #include "sim_data_set_writers.h"
 
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <pugixml.hpp>
 
@@ -47,7 +47,7 @@ std::string writeStreamDescriptors(const zlr::StreamDescriptors& descriptors)
             }
         }
     }
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 std::string writeDataBlockList(const zlr::DataBlockList& list)
@@ -69,7 +69,7 @@ std::string writeDataBlockList(const zlr::DataBlockList& list)
             appendRegion(regions, region);
         }
     }
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 std::string writeDataBlock(const zlr::DataBlock& block)
@@ -87,7 +87,7 @@ std::string writeDataBlock(const zlr::DataBlock& block)
         element.append_attribute("timestamp") = channel.m_timestamp;
         element.append_attribute("duration") = channel.m_duration;
     }
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 std::string writeDataRegions(const std::vector<zlr::DataRegion>& regions)
@@ -97,7 +97,7 @@ std::string writeDataRegions(const std::vector<zlr::DataRegion>& regions)
     for (const zlr::DataRegion& region : regions) {
         appendRegion(root, region);
     }
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 std::string writeMasterTimebaseValue(const zlr::Timestamp& now)
@@ -106,7 +106,7 @@ std::string writeMasterTimebaseValue(const zlr::Timestamp& now)
     pugi::xml_node root = document.append_child("MasterTimebaseValue");
     root.append_attribute("ticks") = now.ticks;
     root.append_attribute("frequency") = now.frequency;
-    return zlr::documentText(document);
+    return xpugi::to_xml(document, false);
 }
 
 } // namespace zelvar_sim

@@ -1,4 +1,4 @@
-#include "assertion_recorder.h"
+#include "zlr_assert_capture.h"
 #include "sim_data_set_writers.h"
 #include "zlrapi_data_block_xml.h"
 #include "zlrapi_data_set_descriptor_xml.h"
@@ -100,14 +100,14 @@ TEST(StreamDescriptors, ReaderTable)
 
 TEST(StreamDescriptors, UnknownSampleTypeIsABlob)
 {
-    AssertionRecorder recorder;
+    zlr::test::AssertCapture recorder;
     const std::string text =
         R"(<D data_set_key="1"><StreamDescriptor stream_id="3"><Channel channel_id="5" offset="0" dimension="1" size="32" stride="32" type="float"/></StreamDescriptor></D>)";
     zlr::StreamDescriptors read;
     ASSERT_TRUE(parseText(read, text));
     EXPECT_EQ(read.m_stream_descriptors.at(0).m_channels.at(0).m_sample_type, zlr::SAMPLE_TYPE_BLOB);
-    ASSERT_EQ(recorder.expressions().size(), 1u);
-    EXPECT_EQ(recorder.expressions()[0], "Unsupported Sample Type@zlrapi_data_set_descriptor_xml");
+    ASSERT_EQ(recorder.reported().size(), 1u);
+    EXPECT_EQ(recorder.reported()[0], "Unsupported Sample Type");
 }
 
 TEST(DataBlocks, HostDescriptionsReadBack)

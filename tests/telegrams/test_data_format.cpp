@@ -1,8 +1,8 @@
-#include "assertion_recorder.h"
+#include "zlr_assert_capture.h"
 #include "sim_channel_writers.h"
 #include "zlrapi_channel_data_format_xml.h"
 #include "zlrapi_data_format.h"
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ std::string dataFormatText(const zlr::DataFormat& format)
 {
     pugi::xml_document document;
     zlr::writeDataFormat(document, format);
-    return zlr::nodeText(document.first_child());
+    return xpugi::to_xml(document.first_child(), false);
 }
 
 std::vector<std::uint32_t> numbersOf(const zlr::StringBimap& map, std::uint32_t limit)
@@ -64,7 +64,7 @@ TEST(DataFormat, TablesHoldTheHostsRows)
 
 TEST(DataFormat, SizeCheckReportsAndThrows)
 {
-    AssertionRecorder recorder;
+    zlr::test::AssertCapture recorder;
     const zlr::StringBimap doubled{{"a", 1}, {"b", 1}};
     try {
         zlr::assert_bimap_size(doubled, "TEST_MAP", 2);
@@ -72,9 +72,9 @@ TEST(DataFormat, SizeCheckReportsAndThrows)
     } catch (const std::runtime_error& e) {
         EXPECT_STREQ(e.what(), "Assertion failed: TEST_MAP size 1 != 2 (actual != expected)");
     }
-    ASSERT_EQ(recorder.expressions().size(), 1u);
-    EXPECT_EQ(recorder.expressions()[0],
-              "Assertion failed: TEST_MAP size 1 != 2 (actual != expected)@zlrapi_bimap");
+    ASSERT_EQ(recorder.reported().size(), 1u);
+    EXPECT_EQ(recorder.reported()[0],
+              "Assertion failed: TEST_MAP size 1 != 2 (actual != expected)");
     EXPECT_NO_THROW(zlr::assert_bimap_size(zlr::sampleFormatMap(), "SAMPLE_FORMAT_STRING_MAP", 19));
 }
 

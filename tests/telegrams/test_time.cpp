@@ -1,7 +1,10 @@
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 #include "zlrapi_timebase.h"
 #include "zlrapi_timestamp.h"
 #include "sim_data_set_writers.h"
+#include "sim_host.h"
+#include "zlr_log_capture.h"
+#include "zlrapi_utils.h"
 
 #include <gtest/gtest.h>
 
@@ -18,13 +21,13 @@ std::string timebaseText(const zlr::Timebase& timebase)
     pugi::xml_document document;
     pugi::xml_node channel = document.append_child("Channel");
     zlr::writeTimebase(channel, timebase);
-    return zlr::nodeText(channel);
+    return xpugi::to_xml(channel, false);
 }
 
 bool readTimebaseText(const std::string& text, zlr::Timebase& timebase)
 {
     pugi::xml_document document;
-    EXPECT_TRUE(zlr::parseTelegram(document, text.data(), text.size())) << text;
+    EXPECT_TRUE(xpugi::parse(document, text.data(), text.size())) << text;
     return zlr::readTimebase(document.document_element(), timebase);
 }
 
@@ -129,5 +132,45 @@ TEST(Timestamp, HostClockReadsBack)
         zlr::Timestamp read;
         ASSERT_TRUE(zlr::parseTimestamp(text.data(), text.size(), read)) << text;
         EXPECT_EQ(read, written) << text;
+    }
+}
+
+TEST(MasterTimestamp, FromTheHostsTree)
+{
+    const std::string clock = zelvar_sim::writeMasterTimebaseValue({1234, 1e7});
+    struct Case {
+        const char* name;
+        bool analysis_set;
+        bool analysis;
+        const char* clock;
+        zlr::Timestamp expected;
+        bool logged;
+    };
+    const Case cases[] = {
+        {"live clock", false, false, clock.c_str(), {1234, 1e7}, false},
+        {"analysis mode off", true, false, clock.c_str(), {1234, 1e7}, false},
+        {"analysis mode wins", true, true, clock.c_str(), {0, 0.0}, false},
+        {"no clock", false, false, nullptr, {0, 0.0}, true},
+        {"empty clock", false, false, "", {0, 0.0}, false},
+        {"malformed clock", false, false, "<MasterTimebaseValue ticks='x' frequency='1'/>", {0, -1.0}, false},
+    };
+    for (const Case& c : cases) {
+        zelvar_sim::SimHost host;
+        if (c.analysis_set) {
+            host.tree().setBoolean("#Zelvar", "AnalysisModeActive", c.analysis);
+        }
+        if (c.clock) {
+            host.tree().setXml("#Zelvar", "MasterTimebaseValue", c.clock);
+        }
+        zlr::test::LogCapture log;
+        const zlr::Timestamp now = zlr::getMasterTimestamp(&host);
+        EXPECT_EQ(now, c.expected) << c.name;
+        EXPECT_FALSE(now.isValid() && c.expected.frequency <= 0.0) << c.name;
+        std::vector<std::pair<unsigned, std::string>> expected_log;
+        if (c.logged) {
+            expected_log.emplace_back(5u, "Unable to retrieve master timebase value.");
+        }
+        EXPECT_EQ(log.messages(), expected_log) << c.name;
+        EXPECT_EQ(host.valuesOutsideTree(), 0) << c.name;
     }
 }

@@ -5,6 +5,7 @@
 #include "zlrbase_api_object_ptr.h"
 #include "zlrbase_host.h"
 #include "zlrbase_messages.h"
+#include "zlrapi_timestamp.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -120,5 +121,9 @@ bool addTranslation(IfHost* host, const char* document);
 // bytes of samples, in one buffer. The host's answer is not looked at.
 void writeSamples(IfHost* host, std::uint32_t channel_id, std::uint64_t timestamp,
                   const void* data, std::uint64_t size);
+
+// The host's master clock now. In analysis mode, and when the host has no
+// clock value, the answer is a default Timestamp, which is not valid.
+Timestamp getMasterTimestamp(IfHost* host);
 
 } // namespace zlr

@@ -1,6 +1,6 @@
 #include "zlrapi_channel_data_format_xml.h"
 
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <string_view>
 
@@ -9,7 +9,7 @@ namespace zlr {
 bool ChannelDataFormatTelegram::parse(const char* text, std::size_t length)
 {
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node root = document.document_element();

@@ -1,6 +1,6 @@
 #include "zlrapi_channel_id_map_xml.h"
 
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <string_view>
 
@@ -15,14 +15,14 @@ std::string writeChannelIDMap(const std::map<std::uint32_t, std::uint32_t>& map)
         pair.append_attribute("first") = first;
         pair.append_attribute("second") = second;
     }
-    return nodeText(root);
+    return xpugi::to_xml(root, false);
 }
 
 bool ChannelIDMapTelegram::parse(const char* text, std::size_t length)
 {
     m_map.clear();
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node root = document.document_element();

@@ -1,6 +1,6 @@
 #include "zlrapi_channels_xml.h"
 
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <string_view>
 
@@ -10,7 +10,7 @@ bool ChannelsTelegram::parse(const char* text, std::size_t length)
 {
     m_channels.clear();
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node root = document.document_element();

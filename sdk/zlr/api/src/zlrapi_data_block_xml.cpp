@@ -1,7 +1,7 @@
 #include "zlrapi_data_block_xml.h"
 
 #include "zlrapi_numbers.h"
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <limits>
 #include <stdexcept>
@@ -42,7 +42,7 @@ bool DataBlockList::parse(const char* text, std::size_t length)
     m_intervals.clear();
     m_regions.clear();
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node root = document.document_element();
@@ -76,7 +76,7 @@ bool DataBlock::parse(const char* text, std::size_t length)
         return false;
     }
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node root = document.document_element();
@@ -99,7 +99,7 @@ bool DataRegions::parse(const char* text, std::size_t length)
 {
     m_regions.clear();
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     try {

@@ -1,6 +1,6 @@
 #include "zlrapi_data_format.h"
 
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <string>
 
@@ -95,7 +95,7 @@ bool writeDataFormat(pugi::xml_node parent, const DataFormat& format)
         element.append_attribute("sample_value_type") =
             SAMPLE_VALUE_TYPE_STRING_MAP.textOf(format.m_sample_value_type).c_str();
     }
-    const std::string text = nodeText(element);
+    const std::string text = xpugi::to_xml(element, false);
     return static_cast<bool>(parent.append_buffer(text.data(), text.size()));
 }
 
@@ -118,7 +118,7 @@ bool readDataFormat(pugi::xml_node element, DataFormat& format)
 bool parseDataFormat(const char* text, std::size_t length, DataFormat& format)
 {
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     return readDataFormat(document.document_element(), format);

@@ -1,7 +1,7 @@
 #include "zlrapi_data_set_descriptor_xml.h"
 
 #include "zlrapi_numbers.h"
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 #include "zlrbase_assert.h"
 
 #include <cstdlib>
@@ -107,7 +107,7 @@ bool StreamDescriptors::parse(const char* text, std::size_t length)
     m_data_set_key = 0;
     m_stream_descriptors.clear();
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node root = document.document_element();

@@ -1,21 +1,12 @@
 #include "zlrapi_timebase.h"
 
+#include "xpugixml.h"
+
 #include <cmath>
 #include <string_view>
 
 namespace zlr {
 namespace {
-
-// The first child of that exact name, whatever its kind.
-pugi::xml_node childNamed(pugi::xml_node parent, const char* name)
-{
-    for (pugi::xml_node child : parent.children()) {
-        if (std::string_view(child.name()) == name) {
-            return child;
-        }
-    }
-    return {};
-}
 
 double frequencyOf(pugi::xml_node element)
 {
@@ -52,7 +43,7 @@ bool writeTimebase(pugi::xml_node parent, const Timebase& timebase)
 
 bool readTimebase(pugi::xml_node parent, Timebase& timebase)
 {
-    const pugi::xml_node simple = childNamed(parent, "SimpleTimebase");
+    const pugi::xml_node simple = xpugi::find_child(parent, "SimpleTimebase");
     if (simple) {
         const double frequency = frequencyOf(simple);
         if (!std::isnan(frequency)) {
@@ -62,7 +53,7 @@ bool readTimebase(pugi::xml_node parent, Timebase& timebase)
             return true;
         }
     }
-    const pugi::xml_node with_offset = childNamed(parent, "TimebaseWithOffset");
+    const pugi::xml_node with_offset = xpugi::find_child(parent, "TimebaseWithOffset");
     if (!with_offset) {
         return false;
     }

@@ -1,7 +1,7 @@
 #include "zlrapi_timestamp.h"
 
 #include "zlrapi_numbers.h"
-#include "zlrapi_telegram_text.h"
+#include "xpugixml.h"
 
 #include <stdexcept>
 
@@ -31,7 +31,7 @@ bool parseTimestamp(const char* text, std::size_t length, Timestamp& timestamp)
         return false;
     }
     pugi::xml_document document;
-    if (!parseTelegram(document, text, length)) {
+    if (!xpugi::parse(document, text, length)) {
         return false;
     }
     const pugi::xml_node element = document.document_element();

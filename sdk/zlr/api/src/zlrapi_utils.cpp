@@ -1,5 +1,7 @@
 #include "zlrapi_utils.h"
 
+#include "zlruni_logger.h"
+
 #include <cstring>
 #include <memory>
 
@@ -106,6 +108,27 @@ void writeSamples(IfHost* host, std::uint32_t channel_id, std::uint64_t timestam
         std::memcpy(buffer.get() + sizeof timestamp, data, size);
     }
     host->messageSyncData(HOST_WRITE_SAMPLES, channel_id, buffer.get(), total, nullptr);
+}
+
+Timestamp getMasterTimestamp(IfHost* host)
+{
+    // Analysis mode is asked first: it has no live clock, even when the host
+    // still holds a clock value.
+    const zlrbase_api_object_ptr<IfBooleanValue> analysis =
+        queryBooleanValue(host, tree::ZELVAR, tree::ANALYSIS_MODE_ACTIVE);
+    if (analysis && analysis->get()) {
+        return {};
+    }
+    const zlrbase_api_object_ptr<IfXmlValue> clock =
+        queryXmlValue(host, tree::ZELVAR, tree::MASTER_TIMEBASE_VALUE);
+    if (!clock) {
+        ZLR_LOG(UniLogSeverityLevel::Failure, "Unable to retrieve master timebase value.");
+        return {};
+    }
+    Timestamp now;
+    const std::int32_t length = clock->getLength();
+    parseTimestamp(clock->getData(), length > 0 ? static_cast<std::size_t>(length) : 0, now);
+    return now;
 }
 
 } // namespace zlr
