@@ -1,5 +1,8 @@
 #include "zfft_factory.h"
 
+#include "zfft_fft_handle.h"
+#include "zfft_mixed_radix.h"
+
 #include <memory>
 
 namespace ZFFT_VARIANT {
@@ -40,14 +43,18 @@ FFT_IF* make_fft0(ZFFT::Algorithm a)
 {
     switch (a) {
     // Each class adds its case here as it is built.
+    case ZFFT::Algorithm::MixedRadix:
+        return new ZFFT_MixedRadix::FFT0();
     default:
         return nullptr;
     }
 }
 
-FFT_IF* make_planned_fft0(int)
+FFT_IF* make_planned_fft0(int n)
 {
-    return nullptr;
+    FFTHandle handle;
+    handle.setup(n);
+    return handle.release();
 }
 
 ZFFT::ComplexFFT* make_complex_fft(ZFFT::Algorithm a, int n)

@@ -6,6 +6,7 @@
 #include "zfft_complex.h"
 
 #include <memory>
+#include <string>
 
 namespace ZFFT {
 
@@ -54,5 +55,10 @@ protected:
 // this processor, or when the class cannot serve n (a power-of-two class and
 // an n that is not a power of two, or above 2^24).
 std::unique_ptr<ComplexFFT> create_complex_fft(Variant v, Algorithm a, int n);
+
+// The demangled name of the class that FFTHandle's plan makes for n complex
+// points in variant `v` (for instance "ZFFT_AVX::ZFFT_MixedRadix::FFT0"), or
+// an empty text when it makes none or the variant is not supported.
+std::string planned_class_name(Variant v, int n);
 
 } // namespace ZFFT
