@@ -1,0 +1,119 @@
+#include "frequency_estimator.h"
+
+#include <cmath>
+#include <limits>
+
+namespace frequency_measurement {
+namespace {
+
+using ZFFT::complex_t;
+
+constexpr double TWO_PI = 6.283185307179586;
+constexpr double MINUS_PI = -3.141592653589793;
+
+// The ordinary complex product, never fused.
+complex_t times(complex_t a, complex_t b)
+{
+    return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
+}
+
+complex_t minus(complex_t a, complex_t b)
+{
+    return {a.re - b.re, a.im - b.im};
+}
+
+// 0.5 exp(i angle), the exponential first and then halved in both parts.
+complex_t half_exp_i(double angle)
+{
+    const complex_t e{std::cos(angle), std::sin(angle)};
+    return {0.5 * e.re, 0.5 * e.im};
+}
+
+double power(complex_t v)
+{
+    return v.re * v.re + v.im * v.im;
+}
+
+} // namespace
+
+void FrequencyEstimator::prepare(std::uint64_t window_size)
+{
+    m_fft.reset();
+    m_window_size = window_size;
+    m_fft = ZFFT::create_real_fft(static_cast<int>(window_size), 0);
+    m_spectrum.assign(window_size, complex_t{0.0, 0.0});
+}
+
+void FrequencyEstimator::release()
+{
+    m_fft.reset();
+    m_spectrum = std::vector<complex_t>();
+}
+
+double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples, double sample_rate,
+                                             double max_frequency)
+{
+    constexpr double refused = std::numeric_limits<double>::quiet_NaN();
+    const std::uint64_t n = samples.size();
+    if (n != m_window_size || !m_fft) {
+        return refused;
+    }
+    // Windows of one or two samples carry no frequency: the three-bin
+    // formula would read X[2] beyond the spectrum, and a two-sample
+    // transform has no inner transform to run. They answer NaN before any
+    // work, which the range test then drops like any refused value.
+    if (n < 4) {
+        return refused;
+    }
+
+    m_fft->forward_raw(samples.data(), m_spectrum.data());
+    const complex_t* X = m_spectrum.data();
+
+    const double df = sample_rate / static_cast<double>(n);
+    const long long r = std::llround(max_frequency / df);
+    // Unsigned on purpose: a negative r + 1 wraps to a huge limit.
+    const std::uint64_t r_plus_1 = static_cast<std::uint64_t>(r) + 1u;
+    const std::uint64_t limit = n < r_plus_1 ? n : r_plus_1;
+
+    // Bin 0 is never a candidate; the first of equal peaks wins, and a NaN
+    // power never wins.
+    double best = 0.0;
+    std::uint64_t k = 1;
+    for (std::uint64_t j = 1; j < limit; ++j) {
+        const double p = power(X[j]);
+        if (p > best) {
+            best = p;
+            k = j;
+        }
+    }
+    // The mirror keeps the peak in the lower half, so X[k+1] exists; a
+    // spectrum that broke that would otherwise be read past its end.
+    if (k + 1 >= n) {
+        return refused;
+    }
+
+    const double omega = TWO_PI / static_cast<double>(n);
+    const complex_t a = half_exp_i(-omega);
+    const complex_t b = half_exp_i(omega);
+
+    // Spectrum at bin k, under a periodic Hann window, of the signal
+    // advanced by one sample ...
+    const complex_t Y = minus(minus(X[k], times(b, X[k + 1])), times(a, X[k - 1]));
+    const complex_t Z = times(Y, half_exp_i(omega * static_cast<double>(k)));
+    const double phi1 = std::atan2(Z.im, Z.re);
+
+    // ... and of the signal as it stands.
+    const complex_t H{0.5 * X[k].re - 0.25 * X[k + 1].re - 0.25 * X[k - 1].re,
+                      0.5 * X[k].im - 0.25 * X[k + 1].im - 0.25 * X[k - 1].im};
+    const double phi0 = std::atan2(H.im, H.re);
+
+    // Only the lower wrap is undone: a difference above pi or between -pi
+    // and 0 gives a frequency outside 0 .. rate/2 that the range test drops.
+    double d = phi1 - phi0;
+    if (MINUS_PI > d) {
+        d += TWO_PI;
+    }
+    return (d / TWO_PI) * sample_rate;
+}
+
+} // namespace frequency_measurement

@@ -1,0 +1,152 @@
+// The estimator on signals whose frequency is known.
+#include "frequency_estimator.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <string>
+
+namespace {
+
+using frequency_measurement::FrequencyEstimator;
+
+constexpr double TWO_PI = 6.283185307179586;
+
+std::vector<double> sine(std::size_t n, double frequency, double rate, double phase, double amplitude = 1.0)
+{
+    std::vector<double> x(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        x[i] = amplitude * std::sin(TWO_PI * frequency * static_cast<double>(i) / rate + phase);
+    }
+    return x;
+}
+
+std::vector<double> plus(std::vector<double> a, const std::vector<double>& b)
+{
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        a[i] += b[i];
+    }
+    return a;
+}
+
+TEST(FrequencyEstimator, KnownSignalsGiveTheirFrequencies)
+{
+    const double rate = 1000.0;
+    const double bin1 = rate / 256; // 3.90625 Hz
+    const struct {
+        const char* name;
+        std::vector<double> x;
+        double max_frequency;
+        double want;
+        double tolerance;
+    } cases[] = {
+        {"sine on bin 64", sine(256, 250.0, rate, 0.4), 500.0, 250.0, 1e-9},
+        {"sine on bin 1", sine(256, bin1, rate, 1.0), 500.0, bin1, 1e-9},
+        // The peak wins over a weaker component at bin 1 ...
+        {"strong bin 64 over weak bin 1", plus(sine(256, 250.0, rate, 0.2), sine(256, bin1, rate, 0.7, 0.1)), 500.0,
+         250.0, 1e-6},
+        // ... unless the search ends before it: max_frequency 0 keeps bin 1.
+        {"max_frequency 0 keeps bin 1", plus(sine(256, 250.0, rate, 0.2), sine(256, bin1, rate, 0.7, 0.1)), 0.0,
+         bin1, 0.05},
+        // A limit more than half a bin below 250 Hz still rounds bin 64 in.
+        {"limit rounds to the bin above", sine(256, 250.0, rate, 0.3), 250.0 - 0.4 * bin1, 250.0, 1e-9},
+        // A window with no component at all: both phases are atan2(0, 0).
+        {"all zero", std::vector<double>(256, 0.0), 500.0, 0.0, 0.0},
+        // A constant is not removed, but bin 0 is no candidate: the estimate
+        // comes from the component at bin 3.
+        {"offset plus bin 3", plus(std::vector<double>(256, 5.0), sine(256, 3 * bin1, rate, 0.0)), 500.0, 3 * bin1,
+         1e-6},
+        // Just below Nyquist the peak lands on bin n/2, where the two phases
+        // differ by about -pi: the estimate comes out as -rate/2.
+        {"near Nyquist", sine(256, 499.0, rate, 0.3), 500.0, -500.0, 1e-6},
+        {"larger window", sine(4096, 1234.5, 10000.0, 2.0), 5000.0, 1234.5, 0.01},
+    };
+    FrequencyEstimator estimator;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        estimator.prepare(c.x.size());
+        const double rate_used = c.x.size() == 4096 ? 10000.0 : rate;
+        const double got = estimator.estimateFrequency(c.x, rate_used, c.max_frequency);
+        EXPECT_NEAR(got, c.want, c.tolerance);
+        if (c.tolerance == 0.0) {
+            EXPECT_EQ(got, c.want);
+        }
+    }
+}
+
+TEST(FrequencyEstimator, BetweenBinsIsNotQuantisedAtAnyPhase)
+{
+    FrequencyEstimator estimator;
+    estimator.prepare(256);
+    // The method's own bias (the mirror image leaks into the Hann-windowed
+    // bins) reaches about 0.00104 Hz at the worst phase of this case.
+    double worst = 0.0;
+    for (int step = 0; step < 360; ++step) {
+        const double phase = TWO_PI * step / 360;
+        const double got = estimator.estimateFrequency(sine(256, 123.4, 1000.0, phase), 1000.0, 500.0);
+        worst = std::max(worst, std::fabs(got - 123.4));
+    }
+    EXPECT_LT(worst, 0.0011);
+    EXPECT_GT(worst, 1e-5) << "suspiciously exact: the estimate should not be snapped to anything";
+}
+
+TEST(FrequencyEstimator, RefusesWhatCarriesNoFrequency)
+{
+    FrequencyEstimator estimator;
+    std::vector<double> x = sine(256, 100.0, 1000.0, 0.0);
+    EXPECT_TRUE(std::isnan(estimator.estimateFrequency(x, 1000.0, 500.0))) << "not prepared";
+
+    estimator.prepare(256);
+    x[17] = std::nan("");
+    const double with_nan = estimator.estimateFrequency(x, 1000.0, 500.0);
+    EXPECT_TRUE(std::isnan(with_nan));
+
+    // A wrong length is refused before the transform: the spectrum keeps
+    // the last window's values, bit for bit.
+    x[17] = 0.0;
+    EXPECT_NEAR(estimator.estimateFrequency(x, 1000.0, 500.0), 100.0, 0.05);
+    const std::vector<ZFFT::complex_t> before = estimator.spectrum();
+    for (std::size_t wrong : {0, 128, 255, 257, 512}) {
+        EXPECT_TRUE(std::isnan(estimator.estimateFrequency(std::vector<double>(wrong, 1.0), 1000.0, 500.0)))
+            << wrong;
+    }
+    ASSERT_EQ(before.size(), estimator.spectrum().size());
+    EXPECT_EQ(std::memcmp(before.data(), estimator.spectrum().data(), before.size() * sizeof(ZFFT::complex_t)), 0);
+
+    // Windows of one and two samples have no bin pair to work with.
+    for (std::size_t n : {1, 2}) {
+        estimator.prepare(n);
+        EXPECT_TRUE(std::isnan(estimator.estimateFrequency(std::vector<double>(n, 1.0), 100.0, 50.0))) << n;
+    }
+
+    estimator.release();
+    EXPECT_FALSE(estimator.prepared());
+    EXPECT_TRUE(std::isnan(estimator.estimateFrequency(std::vector<double>(2, 1.0), 100.0, 50.0)));
+}
+
+// Random frequencies, phases, amplitudes and rates: the estimate lands
+// within a small fraction of a bin, away from the two ends of the band
+// where the mirror image sits close.
+TEST(FrequencyEstimator, RandomSinesLandWithinAFiftiethOfABin)
+{
+    std::mt19937_64 gen(20261123);
+    FrequencyEstimator estimator;
+    for (std::size_t n : {64, 256, 1024, 4096, 16384}) {
+        estimator.prepare(n);
+        double worst_bins = 0.0;
+        for (int trial = 0; trial < 150; ++trial) {
+            const double rate = std::uniform_real_distribution<double>(100.0, 100000.0)(gen);
+            const double bins = std::uniform_real_distribution<double>(3.0, n / 2.0 - 3.0)(gen);
+            const double phase = std::uniform_real_distribution<double>(0.0, TWO_PI)(gen);
+            const double amplitude = std::exp(std::uniform_real_distribution<double>(-10.0, 10.0)(gen));
+            const double df = rate / static_cast<double>(n);
+            const double got = estimator.estimateFrequency(sine(n, bins * df, rate, phase, amplitude), rate, rate / 2);
+            worst_bins = std::max(worst_bins, std::fabs(got - bins * df) / df);
+        }
+        EXPECT_LT(worst_bins, 0.02) << "n=" << n;
+    }
+}
+
+} // namespace
