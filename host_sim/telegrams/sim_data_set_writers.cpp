@@ -4,6 +4,8 @@
 
 #include <pugixml.hpp>
 
+#include <utility>
+
 namespace zelvar_sim {
 namespace {
 
@@ -96,6 +98,19 @@ std::string writeDataRegions(const std::vector<zlr::DataRegion>& regions)
     pugi::xml_node root = document.append_child("DataRegions");
     for (const zlr::DataRegion& region : regions) {
         appendRegion(root, region);
+    }
+    return xpugi::to_xml(document, false);
+}
+
+std::string writeProcessWindow(const zlr::Timestamp& start, const zlr::Timestamp& end)
+{
+    pugi::xml_document document;
+    pugi::xml_node root = document.append_child("Start");
+    xpugi::set_protocol_version(root);
+    for (const auto& [name, time] : {std::pair{"Start", start}, std::pair{"End", end}}) {
+        pugi::xml_node element = root.append_child(name);
+        element.append_attribute("ticks") = time.ticks;
+        element.append_attribute("frequency") = time.frequency;
     }
     return xpugi::to_xml(document, false);
 }

@@ -17,6 +17,9 @@ std::string writeDataBlockList(const zlr::DataBlockList& list);
 std::string writeDataBlock(const zlr::DataBlock& block);
 std::string writeDataRegions(const std::vector<zlr::DataRegion>& regions);
 
+// The value of PLUGIN_TASK_PROCESS: the span of one processing step.
+std::string writeProcessWindow(const zlr::Timestamp& start, const zlr::Timestamp& end);
+
 // The "MasterTimebaseValue" element of "#Zelvar".
 std::string writeMasterTimebaseValue(const zlr::Timestamp& now);
 

@@ -1,0 +1,35 @@
+// The host's requests about a software channel: the question whether the
+// selected input channels allow one, and the request to create one.
+#pragma once
+
+#include "zlrapi_data_format.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zlr {
+
+// One input channel the user selected, with its data format.
+struct InputChannelFormat {
+    std::uint32_t m_channel_id = 0;
+    DataFormat m_dataformat;
+
+    bool operator==(const InputChannelFormat&) const = default;
+};
+
+struct QuerySoftwareChannelActionTelegram {
+    std::vector<InputChannelFormat> m_input_channels;
+
+    // Takes a zero-terminated text. Channels without a readable data format
+    // are left out without a failure.
+    bool parse(const char* text);
+};
+
+namespace detail {
+// Reads the "Channels" child of a request's root into `inputs`: the ids of
+// that list, each with the "DataFormat" of its "Channel" element.
+void readInputChannels(pugi::xml_node root, std::vector<InputChannelFormat>& inputs);
+} // namespace detail
+
+} // namespace zlr

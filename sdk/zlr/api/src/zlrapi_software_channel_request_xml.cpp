@@ -1,0 +1,55 @@
+#include "zlrapi_software_channel_request_xml.h"
+
+#include "zlrapi_channels_xml.h"
+#include "xpugixml.h"
+
+#include <string_view>
+
+namespace zlr {
+namespace detail {
+
+void readInputChannels(pugi::xml_node root, std::vector<InputChannelFormat>& inputs)
+{
+    const pugi::xml_node channels = xpugi::find_child(root, "Channels");
+    if (!channels) {
+        return;
+    }
+    // The list is read as a Channels document of its own; a bad entry ends
+    // it, and what was read before stays in use.
+    const std::string list_text = xpugi::to_xml(channels, false);
+    ChannelsTelegram list;
+    list.parse(list_text.data(), list_text.size());
+    for (const ChannelStatusEntry& entry : list.m_channels) {
+        const std::string query =
+            "Channel[@channel_id=\"" + std::to_string(entry.m_channel_id) + "\"]";
+        const pugi::xml_node channel = channels.select_node(query.c_str()).node();
+        if (!channel) {
+            continue;
+        }
+        InputChannelFormat input;
+        input.m_channel_id = static_cast<std::uint32_t>(entry.m_channel_id);
+        if (readDataFormat(channel.child("DataFormat"), input.m_dataformat)) {
+            inputs.push_back(input);
+        }
+    }
+}
+
+} // namespace detail
+
+bool QuerySoftwareChannelActionTelegram::parse(const char* text)
+{
+    m_input_channels.clear();
+    pugi::xml_document document;
+    if (!xpugi::parse(document, text)) {
+        return false;
+    }
+    const pugi::xml_node root = document.document_element();
+    if (std::string_view(root.name()) != "QuerySoftwareChannelAction" ||
+        !xpugi::has_supported_protocol_version(root)) {
+        return false;
+    }
+    detail::readInputChannels(root, m_input_channels);
+    return true;
+}
+
+} // namespace zlr

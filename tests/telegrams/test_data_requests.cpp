@@ -1,0 +1,222 @@
+#include "sim_data_set_readers.h"
+#include "sim_data_set_writers.h"
+#include "zlrapi_data_request_xml.h"
+#include "zlrapi_data_set_xml.h"
+#include "zlrapi_process_window_xml.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <random>
+#include <string>
+
+namespace {
+
+double randomFinite(std::mt19937_64& random)
+{
+    double value;
+    do {
+        value = std::bit_cast<double>(random());
+    } while (!std::isfinite(value));
+    return value;
+}
+
+} // namespace
+
+TEST(DataRequests, ExactTexts)
+{
+    zlr::DataRegionsRequestTelegram regions;
+    regions.m_data_set_key = 7;
+    EXPECT_EQ(regions.generate(), R"(<?xml version="1.0"?><DataRegionsRequest data_set_key="7"/>)");
+    regions.m_has_window = true;
+    regions.m_start = 0.1;
+    regions.m_end = 2.0;
+    EXPECT_EQ(regions.generate(),
+              R"(<?xml version="1.0"?><DataRegionsRequest data_set_key="7"><Window start="0.10000000000000001" end="2"/></DataRegionsRequest>)");
+
+    EXPECT_EQ(zlr::DataTransferRequestTelegram(3, 1.0 / 3, 1e300).generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="3"><Window start="0.33333333333333331" end="1.0000000000000001e+300"/></DataTransferRequest>)");
+    EXPECT_EQ(zlr::DataTransferRequestTelegram(3).generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="3"><DataStream/></DataTransferRequest>)");
+    EXPECT_EQ(zlr::DataTransferRequestTelegram(18446744073709551615u, -2.5).generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="18446744073709551615"><SingleValue timestamp="-2.5"/></DataTransferRequest>)");
+
+    zlr::StreamRequestTelegram stream;
+    stream.m_data_set_key = 9;
+    EXPECT_EQ(stream.generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream stream_type="RAW"/></DataTransferRequest>)");
+    // As the instance starts its stream.
+    stream.m_has_block_duration = true;
+    stream.m_block_duration = 0.01;
+    stream.m_has_ignore_regions = true;
+    stream.m_ignore_regions = true;
+    stream.m_stream_type = zlr::STREAM_TYPE_SCALED;
+    EXPECT_EQ(stream.generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream block_duration="0.01" ignore_regions="true" stream_type="SCALED"/></DataTransferRequest>)");
+    stream.m_stream_type = static_cast<zlr::StreamType>(5);
+    stream.m_has_block_duration = false;
+    stream.m_has_start = true;
+    stream.m_start = 4;
+    stream.m_ignore_regions = false;
+    EXPECT_EQ(stream.generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream start="4" ignore_regions="false" stream_type="Unknown StreamType"/></DataTransferRequest>)");
+
+    EXPECT_EQ(zlr::StreamStopTelegram{9}.generate(),
+              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"/>)");
+}
+
+TEST(DataRequests, RandomRequestsReadBackThroughTheHost)
+{
+    std::mt19937_64 random(23);
+    for (int round = 0; round < 200; ++round) {
+        const std::uint64_t key = random();
+        const double a = randomFinite(random);
+        const double b = randomFinite(random);
+
+        zelvar_sim::DataTransferRequest read;
+        ASSERT_TRUE(zelvar_sim::readDataTransferRequest(zlr::DataTransferRequestTelegram(key, a, b).generate(), read));
+        EXPECT_EQ(read.m_data_set_key, key);
+        ASSERT_TRUE(read.m_window);
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(read.m_window->first), std::bit_cast<std::uint64_t>(a));
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(read.m_window->second), std::bit_cast<std::uint64_t>(b));
+        EXPECT_FALSE(read.m_single_value || read.m_data_stream || read.m_stream);
+
+        ASSERT_TRUE(zelvar_sim::readDataTransferRequest(zlr::DataTransferRequestTelegram(key, a).generate(), read));
+        EXPECT_EQ(read.m_single_value, a);
+        EXPECT_FALSE(read.m_window || read.m_data_stream || read.m_stream);
+
+        ASSERT_TRUE(zelvar_sim::readDataTransferRequest(zlr::DataTransferRequestTelegram(key).generate(), read));
+        EXPECT_TRUE(read.m_data_stream);
+        EXPECT_FALSE(read.m_window || read.m_single_value || read.m_stream);
+
+        zlr::StreamRequestTelegram stream;
+        stream.m_data_set_key = key;
+        stream.m_has_start = random() & 1;
+        stream.m_start = stream.m_has_start ? a : 0.0;
+        stream.m_has_block_duration = random() & 1;
+        stream.m_block_duration = stream.m_has_block_duration ? b : 0.0;
+        stream.m_has_ignore_regions = random() & 1;
+        stream.m_ignore_regions = stream.m_has_ignore_regions && (random() & 1);
+        stream.m_stream_type = static_cast<zlr::StreamType>(random() & 1);
+        ASSERT_TRUE(zelvar_sim::readDataTransferRequest(stream.generate(), read));
+        ASSERT_TRUE(read.m_stream);
+        EXPECT_EQ(read.m_stream->m_data_set_key, key);
+        EXPECT_EQ(read.m_stream->m_has_start, stream.m_has_start);
+        EXPECT_EQ(read.m_stream->m_start, stream.m_start);
+        EXPECT_EQ(read.m_stream->m_has_block_duration, stream.m_has_block_duration);
+        EXPECT_EQ(read.m_stream->m_block_duration, stream.m_block_duration);
+        EXPECT_EQ(read.m_stream->m_has_ignore_regions, stream.m_has_ignore_regions);
+        EXPECT_EQ(read.m_stream->m_ignore_regions, stream.m_ignore_regions);
+        EXPECT_EQ(read.m_stream->m_stream_type, stream.m_stream_type);
+
+        ASSERT_TRUE(zelvar_sim::readDataTransferRequest(zlr::StreamStopTelegram{key}.generate(), read));
+        EXPECT_EQ(read.m_data_set_key, key);
+        EXPECT_FALSE(read.m_window || read.m_single_value || read.m_data_stream || read.m_stream);
+
+        zlr::DataRegionsRequestTelegram regions;
+        regions.m_data_set_key = key;
+        regions.m_has_window = random() & 1;
+        regions.m_start = regions.m_has_window ? a : 0.0;
+        regions.m_end = regions.m_has_window ? b : 0.0;
+        zlr::DataRegionsRequestTelegram regions_read;
+        ASSERT_TRUE(zelvar_sim::readDataRegionsRequest(regions.generate(), regions_read));
+        EXPECT_EQ(regions_read.m_data_set_key, key);
+        EXPECT_EQ(regions_read.m_has_window, regions.m_has_window);
+        EXPECT_EQ(regions_read.m_start, regions.m_start);
+        EXPECT_EQ(regions_read.m_end, regions.m_end);
+    }
+}
+
+TEST(DataSets, ExactTextsAndFallbacks)
+{
+    zlr::RegisterDataSetTelegram data_set;
+    data_set.m_data_set_key = 4;
+    data_set.m_channels = {12, 7};
+    data_set.m_type = zlr::DATA_SET_TYPE_RELAXED;
+    EXPECT_EQ(data_set.generate(),
+              R"(<?xml version="1.0"?><RegisterDataSet protocol_version="1.0" data_set_key="4" type="RELAXED" mode="NORMAL" policy="Push"><Channels><Channel channel_id="12"/><Channel channel_id="7"/></Channels></RegisterDataSet>)");
+    data_set.m_channels.clear();
+    data_set.m_type = static_cast<zlr::DataSetType>(2);
+    data_set.m_mode = static_cast<zlr::DataSetMode>(4);
+    data_set.m_policy = static_cast<zlr::StreamPolicy>(2);
+    EXPECT_EQ(data_set.generate(),
+              R"(<?xml version="1.0"?><RegisterDataSet protocol_version="1.0" data_set_key="4" type="Unknown DataSetMode" mode="Unknown DataSetMode" policy="Unknown StreamPolicy"><Channels/></RegisterDataSet>)");
+    // The host refuses the fallback texts.
+    zlr::RegisterDataSetTelegram read;
+    EXPECT_FALSE(zelvar_sim::readRegisterDataSet(data_set.generate(), read));
+
+    zlr::AcquisitionTaskAddTelegram task;
+    task.m_acquisition_task_key = 0;
+    task.m_input_channels = {5};
+    task.m_output_channels = {0, 1};
+    task.m_block_duration = 0.1;
+    EXPECT_EQ(task.generate(),
+              R"(<?xml version="1.0"?><AcquisitionTaskAdd protocol_version="1.0" acquisition_task_key="0" block_duration="0.10000000000000001"><InputChannels><Channel channel_id="5"/></InputChannels><OutputChannels><Channel channel_id="0"/><Channel channel_id="1"/></OutputChannels></AcquisitionTaskAdd>)");
+}
+
+TEST(DataSets, RandomTelegramsReadBackThroughTheHost)
+{
+    std::mt19937_64 random(29);
+    auto ids = [&random] {
+        std::vector<std::uint64_t> list(random() % 6);
+        for (auto& id : list) {
+            id = random();
+        }
+        return list;
+    };
+    for (int round = 0; round < 200; ++round) {
+        zlr::RegisterDataSetTelegram data_set;
+        data_set.m_data_set_key = random();
+        data_set.m_channels = ids();
+        data_set.m_type = static_cast<zlr::DataSetType>(random() % 2);
+        data_set.m_mode = static_cast<zlr::DataSetMode>(random() % 4);
+        data_set.m_policy = static_cast<zlr::StreamPolicy>(random() % 2);
+        zlr::RegisterDataSetTelegram data_set_read;
+        ASSERT_TRUE(zelvar_sim::readRegisterDataSet(data_set.generate(), data_set_read));
+        EXPECT_EQ(data_set_read.m_data_set_key, data_set.m_data_set_key);
+        EXPECT_EQ(data_set_read.m_channels, data_set.m_channels);
+        EXPECT_EQ(data_set_read.m_type, data_set.m_type);
+        EXPECT_EQ(data_set_read.m_mode, data_set.m_mode);
+        EXPECT_EQ(data_set_read.m_policy, data_set.m_policy);
+
+        zlr::AcquisitionTaskAddTelegram task;
+        task.m_acquisition_task_key = random();
+        task.m_input_channels = ids();
+        task.m_output_channels = ids();
+        task.m_block_duration = randomFinite(random);
+        zlr::AcquisitionTaskAddTelegram task_read;
+        ASSERT_TRUE(zelvar_sim::readAcquisitionTaskAdd(task.generate(), task_read));
+        EXPECT_EQ(task_read.m_acquisition_task_key, task.m_acquisition_task_key);
+        EXPECT_EQ(task_read.m_input_channels, task.m_input_channels);
+        EXPECT_EQ(task_read.m_output_channels, task.m_output_channels);
+        EXPECT_EQ(task_read.m_block_duration, task.m_block_duration);
+    }
+}
+
+TEST(ProcessWindow, ReaderTable)
+{
+    struct Case {
+        std::string text;
+        bool answer;
+        zlr::Timestamp start;
+        zlr::Timestamp end;
+    };
+    const Case cases[] = {
+        {zelvar_sim::writeProcessWindow({10, 100.0}, {20, 100.0}), true, {10, 100.0}, {20, 100.0}},
+        {R"(<Any><Start ticks="1" frequency="2"/></Any>)", true, {1, 2.0}, {}},
+        {R"(<Any protocol_version="1"><End ticks="0x10" frequency="2"/></Any>)", true, {}, {16, 2.0}},
+        {R"(<Any protocol_version="2.0"><Start ticks="1" frequency="2"/></Any>)", false, {}, {}},
+        {R"(<Any protocol_version="1.0.0"/>)", false, {}, {}},
+        {R"(<Any><Start ticks="1" frequency="x"/><End ticks="3" frequency="4"/></Any>)", false, {1, -1.0}, {3, 4.0}},
+        {R"(<Any><Start ticks="1"/></Any>)", false, {0, -1.0}, {}},
+        {R"(<Any><Start)", false, {}, {}},
+    };
+    for (const Case& c : cases) {
+        zlr::ProcessWindowTelegram telegram;
+        telegram.m_start = {5, 5.0};
+        EXPECT_EQ(telegram.parse(c.text.data(), c.text.size()), c.answer) << c.text;
+        EXPECT_EQ(telegram.m_start, c.start) << c.text;
+        EXPECT_EQ(telegram.m_end, c.end) << c.text;
+    }
+}
