@@ -10,6 +10,8 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace zlr {
 
@@ -35,6 +37,30 @@ void reportComparison(const char* left, const char* op, const char* right, const
 }
 
 namespace detail {
+// Integers of mixed signedness compare by value, so that a check can be
+// written against a plain 0 whatever the type on the left.
+template <typename L, typename R>
+constexpr bool equalValues(const L& left, const R& right)
+{
+    if constexpr (std::is_integral_v<L> && std::is_integral_v<R> && !std::is_same_v<L, bool> &&
+                  !std::is_same_v<R, bool>) {
+        return std::cmp_equal(left, right);
+    } else {
+        return left == right;
+    }
+}
+
+template <typename L, typename R>
+constexpr bool lessOrEqualValues(const L& left, const R& right)
+{
+    if constexpr (std::is_integral_v<L> && std::is_integral_v<R> && !std::is_same_v<L, bool> &&
+                  !std::is_same_v<R, bool>) {
+        return std::cmp_less_equal(left, right);
+    } else {
+        return left <= right;
+    }
+}
+
 // "dir/zlrfw_channels.cpp" becomes "zlrfw_channels": the path that reports carry.
 constexpr std::string_view sourceStem(std::string_view file)
 {
@@ -91,7 +117,7 @@ struct StemText {
     do {                                                                                         \
         const auto& zlr_left_value = (left);                                                     \
         const auto& zlr_right_value = (right);                                                   \
-        if (!(zlr_left_value == zlr_right_value)) {                                              \
+        if (!::zlr::detail::equalValues(zlr_left_value, zlr_right_value)) {                                              \
             ::zlr::reportComparison(#left, " != ", #right, zlr_left_value, zlr_right_value,      \
                                     ZLR_SOURCE_PATH, __LINE__);                                  \
         }                                                                                        \
@@ -102,7 +128,7 @@ struct StemText {
     do {                                                                                         \
         const auto& zlr_left_value = (left);                                                     \
         const auto& zlr_right_value = (right);                                                   \
-        if (!(zlr_left_value <= zlr_right_value)) {                                              \
+        if (!::zlr::detail::lessOrEqualValues(zlr_left_value, zlr_right_value)) {                                              \
             ::zlr::reportComparison(#left, " <= ", #right, zlr_left_value, zlr_right_value,      \
                                     ZLR_SOURCE_PATH, __LINE__);                                  \
         }                                                                                        \
