@@ -132,6 +132,12 @@ inline cvec2 mul(cvec2 w, cvec2 z)
 
 inline cvec2 scale(cvec2 a, double c) { return {_mm256_mul_pd(a.v, _mm256_set1_pd(c))}; }
 
+// Lane exchange: (a.lo, b.lo) and (a.hi, b.hi). Turns two vectors that each
+// hold one value of two sequences into two vectors that each hold two
+// neighbouring values of one sequence, and back.
+inline cvec2 interleave_lo(cvec2 a, cvec2 b) { return {_mm256_permute2f128_pd(a.v, b.v, 0x20)}; }
+inline cvec2 interleave_hi(cvec2 a, cvec2 b) { return {_mm256_permute2f128_pd(a.v, b.v, 0x31)}; }
+
 #else
 // --------------------------------------------------------- cvec2 (SSE2) ----
 
@@ -163,6 +169,8 @@ inline cvec2 mul_w8(cvec2 x) { return {mul_w8(x.a), mul_w8(x.b)}; }
 inline cvec2 mul_v8(cvec2 x) { return {mul_v8(x.a), mul_v8(x.b)}; }
 inline cvec2 mul(cvec2 w, cvec2 z) { return {mul(w.a, z.a), mul(w.b, z.b)}; }
 inline cvec2 scale(cvec2 x, double c) { return {scale(x.a, c), scale(x.b, c)}; }
+inline cvec2 interleave_lo(cvec2 x, cvec2 y) { return {x.a, y.a}; }
+inline cvec2 interleave_hi(cvec2 x, cvec2 y) { return {x.b, y.b}; }
 
 #endif
 

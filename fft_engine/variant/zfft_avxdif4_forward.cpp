@@ -1,0 +1,26 @@
+// The forward transforms of ZFFT_AVXDIF4::FFT0, in a translation unit of
+// their own so that the chains of the two directions compile in parallel.
+#include "zfft_avxdif4.h"
+
+#include "zfft_stockham_chains.h"
+
+namespace ZFFT_VARIANT {
+namespace ZFFT_AVXDIF4 {
+
+void FFT0::forward(complex_t* x, complex_t* y)
+{
+    stockham_transform<RADIX, Flow::dif, THRESHOLD, Direction::forward, Scaling::by_n>(log_N, x, y, W);
+}
+
+void FFT0::forward_raw(complex_t* x, complex_t* y)
+{
+    stockham_transform<RADIX, Flow::dif, THRESHOLD, Direction::forward, Scaling::none>(log_N, x, y, W);
+}
+
+void FFT0::forward_unitary(complex_t* x, complex_t* y)
+{
+    stockham_transform<RADIX, Flow::dif, THRESHOLD, Direction::forward, Scaling::by_sqrt_n>(log_N, x, y, W);
+}
+
+} // namespace ZFFT_AVXDIF4
+} // namespace ZFFT_VARIANT

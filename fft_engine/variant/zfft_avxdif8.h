@@ -1,0 +1,39 @@
+// ZFFT_AVXDIF8::FFT0: power-of-two complex transforms by radix-8 decimation in frequency,
+// every size a chain of stages specialised at compile time.
+#pragma once
+
+#include "zfft_stockham_fft0.h"
+
+namespace ZFFT_VARIANT {
+namespace ZFFT_AVXDIF8 {
+
+constexpr int RADIX = 8;
+// From this size on: parallel chains on the short table.
+constexpr int THRESHOLD = 2048;
+
+class FFT0 final : public StockhamFFT0<RADIX, THRESHOLD> {
+public:
+    void forward(complex_t* x, complex_t* y) override;
+    void forward_raw(complex_t* x, complex_t* y) override;
+    void forward_unitary(complex_t* x, complex_t* y) override;
+    void inverse(complex_t* x, complex_t* y) override;
+    void inverse_unitary(complex_t* x, complex_t* y) override;
+    void inverse_norm(complex_t* x, complex_t* y) override;
+};
+
+// The single-threaded chains on their own, for callers that keep their own
+// table: the rows of the six-step transform run them for log_N 1 to 12, also
+// above this class's threshold. W must be the long table made by
+// init_twiddles_long(8, 1 << log_N, W) (it may be null for log_N up to 3).
+// x holds the data and receives the result, y is work space; both hold
+// 2^log_N values. A log_N outside 1 to 12 does nothing.
+constexpr int SINGLE_CHAIN_LOG_N_MAX = 12;
+void forward_single(int log_N, complex_t* x, complex_t* y, const complex_t* W);         // 1/N
+void forward_raw_single(int log_N, complex_t* x, complex_t* y, const complex_t* W);     // none
+void forward_unitary_single(int log_N, complex_t* x, complex_t* y, const complex_t* W); // 1/sqrt(N)
+void inverse_single(int log_N, complex_t* x, complex_t* y, const complex_t* W);         // none
+void inverse_unitary_single(int log_N, complex_t* x, complex_t* y, const complex_t* W); // 1/sqrt(N)
+void inverse_norm_single(int log_N, complex_t* x, complex_t* y, const complex_t* W);    // 1/N
+
+} // namespace ZFFT_AVXDIF8
+} // namespace ZFFT_VARIANT

@@ -1,0 +1,44 @@
+// The inverse transforms of ZFFT_AVXDIF8::FFT0, in a translation unit of
+// their own so that the chains of the two directions compile in parallel.
+#include "zfft_avxdif8.h"
+
+#include "zfft_stockham_chains.h"
+
+namespace ZFFT_VARIANT {
+namespace ZFFT_AVXDIF8 {
+
+void FFT0::inverse(complex_t* x, complex_t* y)
+{
+    stockham_transform<RADIX, Flow::dif, THRESHOLD, Direction::inverse, Scaling::none>(log_N, x, y, W);
+}
+
+void FFT0::inverse_unitary(complex_t* x, complex_t* y)
+{
+    stockham_transform<RADIX, Flow::dif, THRESHOLD, Direction::inverse, Scaling::by_sqrt_n>(log_N, x, y, W);
+}
+
+void FFT0::inverse_norm(complex_t* x, complex_t* y)
+{
+    stockham_transform<RADIX, Flow::dif, THRESHOLD, Direction::inverse, Scaling::by_n>(log_N, x, y, W);
+}
+
+void inverse_single(int log_N, complex_t* x, complex_t* y, const complex_t* W)
+{
+    run_chain<RADIX, Flow::dif, Direction::inverse, Form::single, Scaling::none, 1, SINGLE_CHAIN_LOG_N_MAX>(
+        log_N, x, y, W);
+}
+
+void inverse_unitary_single(int log_N, complex_t* x, complex_t* y, const complex_t* W)
+{
+    run_chain<RADIX, Flow::dif, Direction::inverse, Form::single, Scaling::by_sqrt_n, 1, SINGLE_CHAIN_LOG_N_MAX>(
+        log_N, x, y, W);
+}
+
+void inverse_norm_single(int log_N, complex_t* x, complex_t* y, const complex_t* W)
+{
+    run_chain<RADIX, Flow::dif, Direction::inverse, Form::single, Scaling::by_n, 1, SINGLE_CHAIN_LOG_N_MAX>(
+        log_N, x, y, W);
+}
+
+} // namespace ZFFT_AVXDIF8
+} // namespace ZFFT_VARIANT

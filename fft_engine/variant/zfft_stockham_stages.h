@@ -1,0 +1,270 @@
+// The stages of the Stockham power-of-two classes. A stage (n, s) sees the
+// data as s interleaved sequences of length n, sample j of sequence q at
+// index q + s j; it splits each into r sequences of length m = n / r. Every
+// kernel is specialised on n and s, so all of its indices are constants.
+//
+// Decimation in frequency reads in[q + s (p + k m)], runs the butterfly,
+// multiplies output k by w_k and writes out[q + s (r p + k)]. Decimation in
+// time is its transpose: it reads in[q + s (r p + k)], multiplies input k by
+// w_k, runs the butterfly and writes out[q + s (p + k m)]. w_k is the table's
+// twiddle of angle index s p raised to the k-th power, conjugated for the
+// inverse direction.
+//
+// Kernels of the parallel form contain orphaned worksharing loops: they are
+// called inside one parallel region that covers a whole chain, and the
+// implicit barrier at the end of each loop orders one stage before the next.
+#pragma once
+
+#include "zfft_butterflies.h"
+
+#include <type_traits>
+
+namespace ZFFT_VARIANT {
+namespace {
+
+enum class Flow { dif, dit };
+
+// Single-threaded chains read the long table, parallel chains the short one.
+enum class Form { single, parallel };
+
+// ------------------------------------------------------------- twiddles ----
+
+// The twiddles w_1 .. w_{r-1} of angle index s p, the same for all q and
+// broadcast over the lanes of V.
+template <int R, int N, int s, Direction D, Form F, class V>
+inline void broadcast_twiddles(const complex_t* W, int p, V (&w)[R])
+{
+    if constexpr (F == Form::single) {
+        const complex_t* powers = W + N + s * p * R;
+        for (int k = 1; k < R; ++k) {
+            w[k] = twiddle<D>(V::broadcast(powers[k]));
+        }
+    } else {
+        const complex_t& first = W[s * p];
+        const cvec1 w1 = cvec1::load(&first);
+        cvec1 wk = w1;
+        w[1] = twiddle<D>(V::broadcast(first));
+        for (int k = 2; k < R; ++k) {
+            wk = mul(w1, wk);
+            complex_t c;
+            wk.store(&c);
+            w[k] = twiddle<D>(V::broadcast(c));
+        }
+    }
+}
+
+// The twiddles of the stride-1 stage for the two neighbouring angle indices
+// p and p + 1, one in each lane.
+template <int R, int N, Direction D, Form F>
+inline void pair_twiddles(const complex_t* W, int p, cvec2 (&w)[R])
+{
+    constexpr int m = N / R;
+    if constexpr (F == Form::single) {
+        for (int k = 1; k < R; ++k) {
+            w[k] = twiddle<D>(cvec2::load(W + (k - 1) * m + p));
+        }
+    } else {
+        const cvec2 w1 = cvec2::load(W + p);
+        w[1] = twiddle<D>(w1);
+        cvec2 wk = w1;
+        for (int k = 2; k < R; ++k) {
+            wk = mul(w1, wk);
+            w[k] = twiddle<D>(wk);
+        }
+    }
+}
+
+// ------------------------------------------------- twiddled stage bodies ----
+
+// Decimation in frequency, stride 1: two neighbouring p per step. Output k
+// of p and of p + 1 are R entries apart, so pairs of outputs are regrouped
+// by a lane exchange before they are stored.
+template <int R, int n, Direction D, Form F>
+inline void dif_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
+{
+    constexpr int m = n / R;
+    cvec2 a[R], b[R], w[R];
+    for (int k = 0; k < R; ++k) {
+        a[k] = cvec2::load(in + p + k * m);
+    }
+    butterfly<R, D>(a, b);
+    pair_twiddles<R, n, D, F>(W, p, w);
+    for (int k = 1; k < R; ++k) {
+        b[k] = mul(w[k], b[k]);
+    }
+    for (int k = 0; k < R; k += 2) {
+        interleave_lo(b[k], b[k + 1]).store(out + R * p + k);
+        interleave_hi(b[k], b[k + 1]).store(out + R * (p + 1) + k);
+    }
+}
+
+// Decimation in time, stride 1: the mirror of dif_pair.
+template <int R, int n, Direction D, Form F>
+inline void dit_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
+{
+    constexpr int m = n / R;
+    cvec2 a[R], b[R], w[R];
+    for (int k = 0; k < R; k += 2) {
+        const cvec2 first = cvec2::load(in + R * p + k);
+        const cvec2 second = cvec2::load(in + R * (p + 1) + k);
+        a[k] = interleave_lo(first, second);
+        a[k + 1] = interleave_hi(first, second);
+    }
+    pair_twiddles<R, n, D, F>(W, p, w);
+    for (int k = 1; k < R; ++k) {
+        a[k] = mul(w[k], a[k]);
+    }
+    butterfly<R, D>(a, b);
+    for (int k = 0; k < R; ++k) {
+        b[k].store(out + p + k * m);
+    }
+}
+
+// Decimation in frequency at stride s >= 4: a group of neighbouring q.
+template <int R, int n, int s, Direction D, class V>
+inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
+{
+    constexpr int m = n / R;
+    V a[R], b[R];
+    for (int k = 0; k < R; ++k) {
+        a[k] = V::load(in + q + s * (p + k * m));
+    }
+    butterfly<R, D>(a, b);
+    b[0].store(out + q + s * (R * p));
+    for (int k = 1; k < R; ++k) {
+        mul(w[k], b[k]).store(out + q + s * (R * p + k));
+    }
+}
+
+template <int R, int n, int s, Direction D, class V>
+inline void dit_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
+{
+    constexpr int m = n / R;
+    V a[R], b[R];
+    a[0] = V::load(in + q + s * (R * p));
+    for (int k = 1; k < R; ++k) {
+        a[k] = mul(w[k], V::load(in + q + s * (R * p + k)));
+    }
+    butterfly<R, D>(a, b);
+    for (int k = 0; k < R; ++k) {
+        b[k].store(out + q + s * (p + k * m));
+    }
+}
+
+// The vector over q of the strided stages: four q, but two in radix 16,
+// whose sixteen inputs would not fit the registers four wide.
+template <int R>
+using strided_vector = std::conditional_t<R == 16, cvec2, cvec4>;
+
+template <int R>
+constexpr int strided_width = R == 16 ? 2 : 4;
+
+// --------------------------------------------------------- twiddled stage ----
+
+// One twiddled stage (n, s) of radix R, reading in and writing out.
+template <int R, Flow L, Direction D, Form F, int n, int s>
+[[gnu::noinline]] void twiddled_stage(const complex_t* in, complex_t* out, const complex_t* W)
+{
+    constexpr int N = n * s;
+    constexpr int m = n / R;
+    static_assert(m >= 2 && (s == 1 || s >= 4), "a twiddled stage has m >= 2");
+
+    if constexpr (s == 1) {
+        const auto body = [=](int p) {
+            if constexpr (L == Flow::dif) {
+                dif_pair<R, n, D, F>(in, out, W, p);
+            } else {
+                dit_pair<R, n, D, F>(in, out, W, p);
+            }
+        };
+        if constexpr (F == Form::single) {
+            for (int p = 0; p < m; p += 2) {
+                body(p);
+            }
+        } else {
+#pragma omp for schedule(static)
+            for (int p = 0; p < m; p += 2) {
+                body(p);
+            }
+        }
+    } else {
+        using V = strided_vector<R>;
+        constexpr int width = strided_width<R>;
+        constexpr int groups_per_p = s / width;
+        const auto body = [=](const V (&w)[R], int p, int q) {
+            if constexpr (L == Flow::dif) {
+                dif_group<R, n, s, D>(in, out, w, p, q);
+            } else {
+                dit_group<R, n, s, D>(in, out, w, p, q);
+            }
+        };
+        if constexpr (F == Form::single) {
+            for (int p = 0; p < m; ++p) {
+                V w[R];
+                broadcast_twiddles<R, N, s, D, F>(W, p, w);
+                for (int q = 0; q < s; q += width) {
+                    body(w, p, q);
+                }
+            }
+        } else {
+            // One index per group of q; p and q follow from it by shifts,
+            // since groups_per_p is a power of two.
+#pragma omp for schedule(static)
+            for (int g = 0; g < m * groups_per_p; ++g) {
+                const int p = g / groups_per_p;
+                const int q = (g % groups_per_p) * width;
+                V w[R];
+                broadcast_twiddles<R, N, s, D, F>(W, p, w);
+                body(w, p, q);
+            }
+        }
+    }
+}
+
+// ------------------------------------------------------- no-twiddle stage ----
+
+template <int R, Direction D, bool Scaled, class V>
+inline void final_group(const complex_t* in, complex_t* out, int stride, int q, double c)
+{
+    V a[R], b[R];
+    for (int k = 0; k < R; ++k) {
+        a[k] = V::load(in + q + stride * k);
+        if constexpr (Scaled) {
+            a[k] = scale(a[k], c);
+        }
+    }
+    butterfly<R, D>(a, b);
+    for (int k = 0; k < R; ++k) {
+        b[k].store(out + q + stride * k);
+    }
+}
+
+// The stage without twiddles, r points at stride s: each q's r values are
+// read from and written to the positions q + s k, so in may equal out. The
+// scaled transforms multiply its inputs by c.
+template <int R, Direction D, Form F, bool Scaled, int s>
+[[gnu::noinline]] void final_stage(const complex_t* in, complex_t* out, double c)
+{
+    if constexpr (s == 1) {
+        if constexpr (F == Form::single) {
+            final_group<R, D, Scaled, cvec1>(in, out, 1, 0, c);
+        } else {
+#pragma omp single
+            final_group<R, D, Scaled, cvec1>(in, out, 1, 0, c);
+        }
+    } else {
+        if constexpr (F == Form::single) {
+            for (int q = 0; q < s; q += 2) {
+                final_group<R, D, Scaled, cvec2>(in, out, s, q, c);
+            }
+        } else {
+#pragma omp for schedule(static)
+            for (int q = 0; q < s; q += 2) {
+                final_group<R, D, Scaled, cvec2>(in, out, s, q, c);
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace ZFFT_VARIANT
