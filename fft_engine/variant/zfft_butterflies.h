@@ -140,7 +140,7 @@ inline void butterfly16(const V (&x)[16], V (&y)[16])
 
 // The butterfly of radix r, r in 2, 4, 8, 16.
 template <int R, Direction D, class V>
-inline void butterfly(const V (&x)[R], V (&y)[R])
+inline void radix_butterfly(const V (&x)[R], V (&y)[R])
 {
     if constexpr (R == 2) {
         butterfly2(x[0], x[1], y[0], y[1]);

@@ -87,7 +87,7 @@ inline void dif_pair(const complex_t* in, complex_t* out, const complex_t* W, in
     for (int k = 0; k < R; ++k) {
         a[k] = cvec2::load(in + p + k * m);
     }
-    butterfly<R, D>(a, b);
+    radix_butterfly<R, D>(a, b);
     pair_twiddles<R, n, D, F>(W, p, w);
     for (int k = 1; k < R; ++k) {
         b[k] = mul(w[k], b[k]);
@@ -114,7 +114,7 @@ inline void dit_pair(const complex_t* in, complex_t* out, const complex_t* W, in
     for (int k = 1; k < R; ++k) {
         a[k] = mul(w[k], a[k]);
     }
-    butterfly<R, D>(a, b);
+    radix_butterfly<R, D>(a, b);
     for (int k = 0; k < R; ++k) {
         b[k].store(out + p + k * m);
     }
@@ -129,7 +129,7 @@ inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int 
     for (int k = 0; k < R; ++k) {
         a[k] = V::load(in + q + s * (p + k * m));
     }
-    butterfly<R, D>(a, b);
+    radix_butterfly<R, D>(a, b);
     b[0].store(out + q + s * (R * p));
     for (int k = 1; k < R; ++k) {
         mul(w[k], b[k]).store(out + q + s * (R * p + k));
@@ -145,7 +145,7 @@ inline void dit_group(const complex_t* in, complex_t* out, const V (&w)[R], int 
     for (int k = 1; k < R; ++k) {
         a[k] = mul(w[k], V::load(in + q + s * (R * p + k)));
     }
-    butterfly<R, D>(a, b);
+    radix_butterfly<R, D>(a, b);
     for (int k = 0; k < R; ++k) {
         b[k].store(out + q + s * (p + k * m));
     }
@@ -233,7 +233,7 @@ inline void final_group(const complex_t* in, complex_t* out, int stride, int q, 
             a[k] = scale(a[k], c);
         }
     }
-    butterfly<R, D>(a, b);
+    radix_butterfly<R, D>(a, b);
     for (int k = 0; k < R; ++k) {
         b[k].store(out + q + stride * k);
     }
