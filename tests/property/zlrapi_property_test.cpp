@@ -1,0 +1,308 @@
+#include "zlrapi_property.h"
+
+#include "zlr_log_capture.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+namespace zlr {
+namespace {
+
+TEST(Property, ConstructorsSetTypeAndText)
+{
+    const struct {
+        Property property;
+        Property::Type type;
+        const char* text;
+        const char* detail;
+    } cases[] = {
+        {Property(), Property::NONE, "", ""},
+        {Property("n"), Property::NONE, "", ""},
+        {Property("n", std::string("text")), Property::STRING_VALUE, "text", ""},
+        {Property("n", "chars"), Property::STRING_VALUE, "chars", ""},
+        {Property("n", std::int32_t{-42}), Property::SIGNED_VALUE, "-42", ""},
+        {Property("n", std::numeric_limits<std::int32_t>::min()), Property::SIGNED_VALUE,
+         "-2147483648", ""},
+        {Property("n", std::uint32_t{4294967295u}), Property::UNSIGNED_VALUE, "4294967295", ""},
+        {Property("n", true), Property::BOOLEAN_VALUE, "True", ""},
+        {Property("n", false), Property::BOOLEAN_VALUE, "False", ""},
+        {Property("n", std::string("Fast"), std::string("Mode")), Property::ENUM_VALUE, "Fast",
+         "Mode"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.property.getType(), c.type) << c.text;
+        EXPECT_EQ(c.property.isValid(), c.type != Property::NONE) << c.text;
+        EXPECT_EQ(c.property.getStringValue(), c.text);
+        EXPECT_EQ(c.property.getTypeDetail(), c.detail);
+    }
+    EXPECT_EQ(Property("name").getName(), "name");
+}
+
+TEST(Property, NumberTextsReadBackExactly)
+{
+    const struct {
+        double value;
+        const char* text;
+    } cases[] = {
+        {0.1, "0.10000000000000001"}, {1.0, "1"}, {-0.0, "-0"}, {1e300, "1.0000000000000001e+300"},
+        {1.0 / 3.0, "0.33333333333333331"}, {1e-5, "1.0000000000000001e-05"},
+        {std::numeric_limits<double>::infinity(), "inf"},
+        {-std::numeric_limits<double>::infinity(), "-inf"},
+        {std::numeric_limits<double>::quiet_NaN(), "nan"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(numberText(c.value), c.text);
+        Property p("d");
+        p.setValue(c.value);
+        EXPECT_EQ(p.getType(), Property::DOUBLE_VALUE);
+        EXPECT_EQ(p.getStringValue(), c.text);
+        const double back = p.getDoubleValue();
+        EXPECT_TRUE(back == c.value || (back != back && c.value != c.value)) << c.text;
+    }
+}
+
+TEST(Property, SettersClearWhatTheyReplace)
+{
+    Property p("p", std::string("x"), std::string("Enum"));
+    p.setValue(2.5);
+    EXPECT_EQ(p.getType(), Property::DOUBLE_VALUE);
+    EXPECT_EQ(p.getTypeDetail(), "Enum") << "a double keeps the detail";
+    p.setValue(Range(1.0, 2.0, "V"));
+    EXPECT_EQ(p.getType(), Property::RANGE_VALUE);
+    {
+        test::LogCapture quiet;
+        EXPECT_THROW(p.getStringValue(), std::runtime_error);
+    }
+    p.setValue(std::string("text"));
+    EXPECT_EQ(p.getType(), Property::STRING_VALUE);
+    EXPECT_EQ(p.getTypeDetail(), "");
+    EXPECT_EQ(p, Property("p", "text"));
+
+    // A scalar keeps a former text; only the structure counts from now on.
+    p.setValue(Scalar(3.0, "Hz"));
+    EXPECT_EQ(p.getType(), Property::SCALAR_VALUE);
+    EXPECT_FALSE(p == Property("p", "text"));
+    p.setValue(true);
+    EXPECT_EQ(p.getStringValue(), "True");
+    EXPECT_TRUE(p.getBoolValue());
+
+    ValueList<std::uint64_t> ids;
+    ids.m_values = {17, 18};
+    p.setChannelIDList(ids);
+    EXPECT_EQ(p.getType(), Property::CHANNEL_ID_LIST);
+    EXPECT_EQ(p.getStringValue(), "") << "other structured types answer an empty text";
+    EXPECT_EQ(p.getChannelIDListValue(), ids.m_values);
+
+    p.setName("q");
+    EXPECT_EQ(p.getName(), "q");
+    EXPECT_EQ(p.getType(), Property::CHANNEL_ID_LIST);
+
+    // A copy shares the structured value, and a setter never changes it.
+    Property copy = p;
+    ids.m_values = {1};
+    p.setChannelIDList(ids);
+    EXPECT_EQ(copy.getChannelIDListValue(), (std::vector<std::uint64_t>{17, 18}));
+    EXPECT_EQ(p.getChannelIDListValue(), (std::vector<std::uint64_t>{1}));
+}
+
+// Every getter against every kind of property: it answers for its own type
+// only, and for any other logs and throws the same text.
+TEST(Property, GettersRequireTheirTypeWithExactTexts)
+{
+    using Getter = std::function<void(const Property&)>;
+    const struct {
+        Property::Type type;
+        const char* suffix;
+        Getter get;
+    } getters[] = {
+        {Property::SIGNED_VALUE, " is not of type int", [](const Property& p) { p.getIntValue(); }},
+        {Property::UNSIGNED_VALUE, " is not of type unsigned int",
+         [](const Property& p) { p.getUnsignedIntValue(); }},
+        {Property::DOUBLE_VALUE, " is not of type double",
+         [](const Property& p) { p.getDoubleValue(); }},
+        {Property::BOOLEAN_VALUE, " is not of type bool", [](const Property& p) { p.getBoolValue(); }},
+        {Property::SCALAR_VALUE, " is not of type scalar",
+         [](const Property& p) { p.getScalarValue(); }},
+        {Property::DECORATED_NUMBER, " is not of type decorated_number",
+         [](const Property& p) { p.getDecoratedNumberValue(); }},
+        {Property::RANGE_VALUE, " is not of type range", [](const Property& p) { p.getRangeValue(); }},
+        {Property::DOUBLE_LIST_VALUE, " is not of type realnumberlist",
+         [](const Property& p) { p.getDoubleListValue(); }},
+        {Property::STRING_LIST_VALUE, " is not of type stringlist",
+         [](const Property& p) { p.getStringListValue(); }},
+        {Property::RATIONAL_VALUE, " is not of type rational",
+         [](const Property& p) { p.getRationalValue(); }},
+        {Property::POINT, " is not of type point", [](const Property& p) { p.getPointValue(); }},
+        {Property::CHANNEL_ID_LIST, " is not of type channel id list",
+         [](const Property& p) { p.getChannelIDListValue(); }},
+        {Property::POINT_LIST_VALUE, " is not of type pointlist",
+         [](const Property& p) { p.getPointListValue(); }},
+        {Property::RANGE_VALUE, " is type Range", [](const Property& p) { p.getStringValue(); }},
+        {Property::SCALAR_VALUE, " is type Scalar", [](const Property& p) { p.getStringValue(); }},
+    };
+
+    std::vector<Property> samples;
+    samples.emplace_back("none");
+    samples.emplace_back("s", "1");
+    samples.emplace_back("i", std::int32_t{1});
+    samples.emplace_back("u", std::uint32_t{1});
+    samples.emplace_back("b", true);
+    samples.emplace_back("e", std::string("1"), std::string("E"));
+    Property p("d");
+    p.setValue(1.0);
+    samples.push_back(p);
+    p.setValue(Range(0.0, 1.0, "V"));
+    samples.push_back(p);
+    p.setValue(Scalar(1.0, "V"));
+    samples.push_back(p);
+    p.setValue(Rational(1, 2));
+    samples.push_back(p);
+    p.setValue(DecoratedNumber(1.0, "a", "b"));
+    samples.push_back(p);
+    p.setPointValue({1.0, 2.0});
+    samples.push_back(p);
+    p.setDoubleList({{1.0}});
+    samples.push_back(p);
+    p.setStringList({{"1"}});
+    samples.push_back(p);
+    p.setPointList({{{1.0, 2.0}}});
+    samples.push_back(p);
+    p.setChannelIDList({{1}});
+    samples.push_back(p);
+    p.setValue(PropertyList());
+    samples.push_back(p);
+    for (const Property::Type text_type :
+         {Property::UNSIGNED_INT64, Property::COLOR_VALUE, Property::DATE_VALUE,
+          Property::DATE_TIME_VALUE, Property::CHANNEL_ID, Property::GEO_COORDINATE_VALUE,
+          Property::SIGNED_VALUE64}) {
+        p.setTextValue(text_type, "1");
+        samples.push_back(p);
+    }
+
+    for (const auto& getter : getters) {
+        for (const Property& sample : samples) {
+            test::LogCapture capture;
+            const bool is_string_getter = std::string(getter.suffix).rfind(" is type", 0) == 0;
+            const bool other_refused_type = sample.getType() == Property::RANGE_VALUE ||
+                                            sample.getType() == Property::SCALAR_VALUE;
+            if (is_string_getter && other_refused_type && sample.getType() != getter.type) {
+                continue; // the other row of getStringValue covers it
+            }
+            const bool must_throw = is_string_getter ? sample.getType() == getter.type
+                                                     : sample.getType() != getter.type;
+            const std::string expected = "property " + sample.getName() + getter.suffix;
+            try {
+                getter.get(sample);
+                EXPECT_FALSE(must_throw) << expected;
+                EXPECT_TRUE(capture.records().empty());
+            } catch (const std::runtime_error& e) {
+                EXPECT_TRUE(must_throw) << expected;
+                EXPECT_EQ(e.what(), expected);
+                EXPECT_EQ(capture.messages(),
+                          (std::vector<std::pair<unsigned, std::string>>{{6, expected}}));
+            }
+        }
+    }
+}
+
+TEST(Property, NumberConversionsOfTheGetters)
+{
+    const auto signed_value = [](const char* text) {
+        Property p("p");
+        p.setTextValue(Property::SIGNED_VALUE, text);
+        return p;
+    };
+    const auto unsigned_value = [](const char* text) {
+        Property p("p");
+        p.setTextValue(Property::UNSIGNED_VALUE, text);
+        return p;
+    };
+    const auto double_value = [](const char* text) {
+        Property p("p");
+        p.setTextValue(Property::DOUBLE_VALUE, text);
+        return p;
+    };
+    EXPECT_EQ(signed_value("0x10").getIntValue(), 16);
+    EXPECT_EQ(signed_value("010").getIntValue(), 8);
+    EXPECT_EQ(signed_value(" -7 rest").getIntValue(), -7);
+    EXPECT_EQ(unsigned_value("0X1f").getUnsignedIntValue(), 31u);
+    EXPECT_EQ(double_value("1.5e3").getDoubleValue(), 1500.0);
+    EXPECT_EQ(double_value("inf").getDoubleValue(), std::numeric_limits<double>::infinity());
+
+    const struct {
+        std::function<void()> call;
+        const char* text;
+    } failures[] = {
+        {[&] { signed_value("abc").getIntValue(); }, "invalid stol argument"},
+        {[&] { signed_value("").getIntValue(); }, "invalid stol argument"},
+        {[&] { signed_value("99999999999999999999").getIntValue(); }, "stol argument out of range"},
+        {[&] { unsigned_value("x1").getUnsignedIntValue(); }, "invalid stoul argument"},
+        {[&] { unsigned_value("99999999999999999999").getUnsignedIntValue(); },
+         "stoul argument out of range"},
+        {[&] { double_value("one").getDoubleValue(); }, "invalid stod argument"},
+        {[&] { double_value("1e999").getDoubleValue(); }, "stod argument out of range"},
+    };
+    for (const auto& f : failures) {
+        try {
+            f.call();
+            ADD_FAILURE() << "no exception, expected " << f.text;
+        } catch (const std::exception& e) {
+            EXPECT_STREQ(e.what(), f.text);
+        }
+    }
+
+    // Only the capitalised word is true.
+    Property b("b", true);
+    for (const char* text : {"true", "TRUE", " True", "1", ""}) {
+        Property read("b");
+        read.setTextValue(Property::BOOLEAN_VALUE, text);
+        EXPECT_FALSE(read.getBoolValue()) << text;
+    }
+}
+
+TEST(Property, ComparisonIsShallow)
+{
+    Property a("r"), b("r"), c("r");
+    a.setValue(Range(0.0, 1.0, "V"));
+    b.setValue(Range(5.0, 9.0, "A"));
+    EXPECT_TRUE(a == b) << "structured values only count as present";
+    EXPECT_FALSE(a == c);
+    c.setTextValue(Property::RANGE_VALUE, "");
+    EXPECT_FALSE(a == c) << "one range missing";
+    EXPECT_FALSE(Property("x", "1") == Property("y", "1"));
+    EXPECT_FALSE(Property("x", "1") == Property("x", std::string("1"), std::string("")));
+}
+
+TEST(PropertyList, LookUpAndBounds)
+{
+    PropertyList list;
+    list.push_back(Property("a", "first"));
+    list.push_back(Property("b", std::int32_t{2}));
+    list.push_back(Property("a", "second"));
+    EXPECT_EQ(list.size(), 3u);
+    EXPECT_EQ(list.getProperty("a").getStringValue(), "first");
+    EXPECT_EQ(list.getProperty("b").getIntValue(), 2);
+    EXPECT_FALSE(list.getProperty("A").isValid());
+    EXPECT_EQ(list.getProperty("A").getName(), "");
+    EXPECT_EQ(list[2].getStringValue(), "second");
+    try {
+        list[3];
+        ADD_FAILURE() << "no exception";
+    } catch (const std::out_of_range& e) {
+        EXPECT_STREQ(e.what(), "invalid vector subscript");
+    }
+
+    PropertyList same = list;
+    EXPECT_TRUE(same == list);
+    same[1].setValue(std::string("2"));
+    EXPECT_FALSE(same == list);
+    same.clear();
+    EXPECT_FALSE(same == list);
+}
+
+} // namespace
+} // namespace zlr

@@ -1,0 +1,71 @@
+#include "zlrapi_property_values.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <numeric>
+#include <random>
+
+namespace zlr {
+namespace {
+
+TEST(Rational, ReductionTable)
+{
+    constexpr std::int64_t MIN = std::numeric_limits<std::int64_t>::min();
+    const struct {
+        std::int64_t numerator, denominator, reduced_numerator, reduced_denominator;
+    } cases[] = {
+        {4, 8, 1, 2},     {6, 4, 3, 2},      {7, 7, 1, 1},     {3, 5, 3, 5},
+        {0, 5, 0, 1},     {0, 0, 0, 0},      {1, 0, 1, 0},
+        // A zero denominator: the numerator is the divisor, so 5/0 becomes 1/0.
+        {5, 0, 1, 0},     {-5, 0, -5, 0},
+        // A negative divisor leaves the pair as given.
+        {-4, 8, -4, 8},   {4, -8, 1, -2},    {-4, -8, -4, -8}, {6, -4, 3, -2},
+        {MIN, -1, MIN, -1}, {MIN, 2, MIN / 2, 1}, {MIN, MIN, MIN, MIN},
+    };
+    for (const auto& c : cases) {
+        const Rational r(c.numerator, c.denominator, "Hz");
+        EXPECT_EQ(r.m_numerator, c.reduced_numerator) << c.numerator << "/" << c.denominator;
+        EXPECT_EQ(r.m_denominator, c.reduced_denominator) << c.numerator << "/" << c.denominator;
+        EXPECT_EQ(r.m_unit, "Hz");
+    }
+}
+
+TEST(Rational, PositiveFractionsComeOutInLowestTerms)
+{
+    std::mt19937_64 random(7);
+    std::uniform_int_distribution<std::int64_t> factor(1, 1 << 20);
+    for (int i = 0; i < 2000; ++i) {
+        const std::int64_t common = factor(random), n = factor(random), d = factor(random);
+        const Rational r(n * common, d * common);
+        EXPECT_EQ(std::gcd(r.m_numerator, r.m_denominator), 1);
+        EXPECT_EQ(static_cast<__int128>(r.m_numerator) * d,
+                  static_cast<__int128>(r.m_denominator) * n);
+    }
+}
+
+TEST(PropertyValues, DefaultsAndComparisons)
+{
+    const Range range;
+    EXPECT_EQ(range.m_min, 0.0);
+    EXPECT_EQ(range.m_max, 0.0);
+    EXPECT_TRUE(range.m_min_unit.empty() && range.m_max_unit.empty());
+    const Range one_unit(1.0, 2.0, "V");
+    EXPECT_EQ(one_unit.m_min_unit, "V");
+    EXPECT_EQ(one_unit.m_max_unit, "V");
+
+    EXPECT_TRUE(one_unit == Range(1.0, 2.0, "V", "V"));
+    EXPECT_FALSE(one_unit == Range(1.0, 2.0, "V", "A"));
+    EXPECT_FALSE(one_unit == Range(1.0, 3.0, "V"));
+    EXPECT_TRUE(Range(0.0, 1.0, "") == Range(-0.0, 1.0, ""));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(Range(nan, 1.0, "") == Range(nan, 1.0, ""));
+
+    EXPECT_TRUE(Scalar(1.5, "Hz") == Scalar(1.5, "Hz"));
+    EXPECT_FALSE(Scalar(1.5, "Hz") == Scalar(1.5, "kHz"));
+    EXPECT_FALSE(Scalar(nan, "Hz") == Scalar(nan, "Hz"));
+}
+
+} // namespace
+} // namespace zlr
