@@ -29,6 +29,21 @@ std::string writeChannelDataFormat(std::uint64_t channel_id, const zlr::DataForm
     return xpugi::to_xml(document, false);
 }
 
+std::string writeChannelConfigChanged(const std::vector<zlr::ChangedChannelConfig>& channels)
+{
+    pugi::xml_document document;
+    pugi::xml_node root = document.append_child("ChannelConfigChanged");
+    xpugi::set_protocol_version(root);
+    for (const zlr::ChangedChannelConfig& channel : channels) {
+        pugi::xml_node element = root.append_child("Channel");
+        element.append_attribute("id") = channel.m_channel_id;
+        for (const zlr::Property& property : channel.m_properties) {
+            property.writeTo(element);
+        }
+    }
+    return xpugi::to_xml(document, false);
+}
+
 std::string writeDataFormatDocument(const zlr::DataFormat& format, bool wrapped)
 {
     pugi::xml_document document;

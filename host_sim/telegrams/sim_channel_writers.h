@@ -3,6 +3,7 @@
 #pragma once
 
 #include "zlrapi_channels_xml.h"
+#include "zlrapi_channel_config_changed_xml.h"
 #include "zlrapi_data_format.h"
 
 #include <cstdint>
@@ -16,6 +17,9 @@ std::string writeChannels(const std::vector<zlr::ChannelStatusEntry>& channels);
 
 // The value of PLUGIN_CHANNEL_DATA_FORMAT.
 std::string writeChannelDataFormat(std::uint64_t channel_id, const zlr::DataFormat& format);
+
+// The note that settings of host channels changed.
+std::string writeChannelConfigChanged(const std::vector<zlr::ChangedChannelConfig>& channels);
 
 // A channel's "DataFormat" value of the tree: the bare element, or wrapped in
 // "ChannelDataFormat/Channel" as some hosts give it.

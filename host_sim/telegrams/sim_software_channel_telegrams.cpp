@@ -54,6 +54,21 @@ void appendInputChannels(pugi::xml_node root, const std::vector<zlr::InputChanne
 
 } // namespace detail
 
+std::string writeCreateSoftwareChannel(const std::string& service_name,
+                                       const std::vector<zlr::Property>& properties,
+                                       const std::vector<zlr::InputChannelFormat>& inputs)
+{
+    pugi::xml_document document;
+    const pugi::xml_node root = xpugi::append_child_element(document, "CreateSoftwareChannel");
+    xpugi::set_protocol_version(root);
+    xpugi::set_text(xpugi::append_child_element(root, "ServiceName"), service_name);
+    for (const zlr::Property& property : properties) {
+        property.writeTo(root);
+    }
+    detail::appendInputChannels(root, inputs);
+    return xpugi::to_xml(document, false);
+}
+
 std::string writeQuerySoftwareChannelAction(const std::vector<zlr::InputChannelFormat>& inputs)
 {
     pugi::xml_document document;

@@ -12,6 +12,9 @@
 
 namespace zelvar_sim {
 
+std::string writeCreateSoftwareChannel(const std::string& service_name,
+                                       const std::vector<zlr::Property>& properties,
+                                       const std::vector<zlr::InputChannelFormat>& inputs);
 std::string writeQuerySoftwareChannelAction(const std::vector<zlr::InputChannelFormat>& inputs);
 
 bool readRegisterSoftwareChannel(const std::string& text,

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "zlrapi_data_format.h"
+#include "zlrapi_property.h"
 
 #include <cstdint>
 #include <string>
@@ -23,6 +24,17 @@ struct QuerySoftwareChannelActionTelegram {
 
     // Takes a zero-terminated text. Channels without a readable data format
     // are left out without a failure.
+    bool parse(const char* text);
+};
+
+struct CreateSoftwareChannelTelegram {
+    std::string m_service_name;
+    std::vector<InputChannelFormat> m_input_channels;
+    // The settings the user chose in the host's dialogue.
+    std::vector<Property> m_properties;
+
+    // Takes a zero-terminated text. Properties and input channels that do
+    // not read are left out without a failure; none at all is legal.
     bool parse(const char* text);
 };
 

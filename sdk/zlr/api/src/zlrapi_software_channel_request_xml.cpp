@@ -3,6 +3,7 @@
 #include "zlrapi_channels_xml.h"
 #include "xpugixml.h"
 
+#include <exception>
 #include <string_view>
 
 namespace zlr {
@@ -35,6 +36,39 @@ void readInputChannels(pugi::xml_node root, std::vector<InputChannelFormat>& inp
 }
 
 } // namespace detail
+
+bool CreateSoftwareChannelTelegram::parse(const char* text)
+{
+    m_service_name.clear();
+    m_input_channels.clear();
+    m_properties.clear();
+    pugi::xml_document document;
+    if (!xpugi::parse(document, text)) {
+        return false;
+    }
+    const pugi::xml_node root = document.document_element();
+    if (std::string_view(root.name()) != "CreateSoftwareChannel") {
+        return false;
+    }
+    const xpugi::protocol_version version = xpugi::read_protocol_version(root);
+    if (!(version == xpugi::protocol_version{1, 0})) {
+        return false;
+    }
+    m_service_name = xpugi::trimmed_text(xpugi::find_child(root, "ServiceName"));
+    const double context = version.major + version.minor / 10.0;
+    for (const pugi::xpath_node& selected : root.select_nodes("Property")) {
+        Property property;
+        try {
+            if (property.readFrom(selected.node(), context)) {
+                m_properties.push_back(property);
+            }
+        } catch (const std::exception&) {
+            // A number that does not convert spoils this property only.
+        }
+    }
+    detail::readInputChannels(root, m_input_channels);
+    return true;
+}
 
 bool QuerySoftwareChannelActionTelegram::parse(const char* text)
 {

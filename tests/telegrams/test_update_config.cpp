@@ -1,0 +1,316 @@
+#include "zlr_assert_capture.h"
+#include "zlr_property_compare.h"
+#include "zlrapi_update_config_xml.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <string>
+
+namespace {
+
+zlr::Property doubleProperty(const std::string& name, double value)
+{
+    zlr::Property property(name);
+    property.setValue(value);
+    return property;
+}
+
+zlr::Property scalarProperty(const std::string& name, double value, const std::string& unit)
+{
+    zlr::Property property(name);
+    property.setValue(zlr::Scalar(value, unit));
+    return property;
+}
+
+bool parseText(zlr::UpdateConfigTelegram& telegram, const std::string& text)
+{
+    return telegram.parse(text.data(), text.size());
+}
+
+std::string randomWord(std::mt19937& random)
+{
+    static const char letters[] = "abcXYZ <>&\"'_ 01";
+    std::string word(1 + random() % 8, 'a');
+    for (char& c : word) {
+        c = letters[random() % (sizeof letters - 1)];
+    }
+    return word;
+}
+
+// Without blanks at the ends, for the texts that the reader trims.
+std::string randomToken(std::mt19937& random)
+{
+    return "t" + std::to_string(random() % 1000) + "&<";
+}
+
+zlr::Property randomProperty(std::mt19937& random, const std::string& name)
+{
+    switch (random() % 6) {
+    case 0:
+        return zlr::Property(name, randomWord(random));
+    case 1:
+        return doubleProperty(name, std::ldexp(double(random()), -int(random() % 40)));
+    case 2:
+        return zlr::Property(name, static_cast<bool>(random() & 1));
+    case 3:
+        return zlr::Property(name, static_cast<std::int32_t>(random()));
+    case 4:
+        return zlr::Property(name, randomToken(random), "Mode");
+    default:
+        return scalarProperty(name, double(random()) / 7, randomToken(random));
+    }
+}
+
+zlr::Constraint randomConstraint(std::mt19937& random)
+{
+    switch (random() % 7) {
+    case 0: {
+        std::vector<zlr::Property> options;
+        for (unsigned i = random() % 4; i > 0; --i) {
+            options.push_back(randomProperty(random, "x"));
+        }
+        return zlr::Constraint::options(options);
+    }
+    case 1:
+        if (random() & 1) {
+            return zlr::Constraint::range(doubleProperty("a", double(random()) / 3),
+                                          doubleProperty("b", -double(random()) / 9));
+        }
+        return zlr::Constraint::range(scalarProperty("a", double(random()) / 3, randomWord(random)),
+                                      scalarProperty("b", 1e300, randomWord(random)));
+    case 2:
+        return zlr::Constraint::regularExpression(randomWord(random));
+    case 3:
+        return zlr::Constraint::freeText();
+    case 4:
+        return zlr::Constraint::channelIds(random(), static_cast<std::int32_t>(random()), randomWord(random));
+    case 5:
+        return zlr::Constraint::visibility(random() & 1 ? "HIDDEN" : "PUBLIC");
+    default: {
+        zlr::Constraint::FilePath file_path;
+        file_path.m_file_type = randomWord(random);
+        file_path.m_dialog_title = randomWord(random);
+        file_path.m_default_path = "/tmp/" + randomWord(random);
+        for (unsigned i = random() % 3; i > 0; --i) {
+            file_path.m_name_filters.push_back("*." + randomWord(random));
+        }
+        file_path.m_multi_select = random() & 1;
+        return zlr::Constraint::filePath(file_path);
+    }
+    }
+}
+
+} // namespace
+
+TEST(UpdateConfig, ExactText)
+{
+    zlr::UpdateConfigTelegram telegram;
+    zlr::ChannelConfig& channel = telegram.getChannelConfig(3);
+    channel.addProperty("Window", doubleProperty("", 0.5));
+    channel.addConstraint("Window", zlr::Constraint::range(doubleProperty("", 0.1), doubleProperty("", 2)));
+    channel.addConstraint("Window", zlr::Constraint::options({doubleProperty("p", 0.25), zlr::Property("q", "auto")}));
+    channel.addProperty("Key", zlr::Property("", "a\"b"));
+    channel.addConstraint("Key", zlr::Constraint::freeText());
+    channel.addConstraint("Key", zlr::Constraint::regularExpression("[a-z]+"));
+    channel.addConstraint("Key", zlr::Constraint::visibility("HIDDEN"));
+    channel.addProperty("Rate", scalarProperty("", 1000, "Hz"));
+    channel.addConstraint("Rate", zlr::Constraint::range(scalarProperty("", 1, "Hz"), scalarProperty("", 5, "kHz")));
+    zlr::ChannelConfig& other = telegram.getChannelConfig(4);
+    other.addProperty("Inputs", zlr::Property("", std::uint32_t{7}));
+    other.addConstraint("Inputs", zlr::Constraint::channelIds(0, -1, "ALL"));
+    zlr::Constraint::FilePath file_path{"CSV", "Open", "/data", {"*.csv", "*.txt"}, true};
+    other.addConstraint("Inputs", zlr::Constraint::filePath(file_path));
+    EXPECT_EQ(&telegram.getChannelConfig(3), &telegram.m_channels[0]);
+
+    EXPECT_EQ(telegram.generate(),
+              R"(<?xml version="1.0"?><UpdateConfig protocol_version="1.0">)"
+              R"(<Channel local_id="3">)"
+              R"(<Property name="Window"><DoubleValue>0.5</DoubleValue><Constraints>)"
+              R"(<DoubleRangeConstraint min="0.10000000000000001" max="2"/>)"
+              R"(<OptionConstraint><DoubleValue>0.25</DoubleValue><StringValue>"auto"</StringValue></OptionConstraint>)"
+              R"(</Constraints></Property>)"
+              R"(<Property name="Key"><StringValue>"a"b"</StringValue><Constraints><StringConstraint/>)"
+              R"(<RegularExpressionConstraint expression="[a-z]+"/><VisibilityConstraint visibility="HIDDEN"/></Constraints></Property>)"
+              R"(<Property name="Rate"><ScalarValue><Value>1000</Value><Unit>Hz</Unit></ScalarValue><Constraints>)"
+              R"(<ScalarRangeConstraint min="1" max="5" min_unit="Hz" max_unit="kHz"/></Constraints></Property>)"
+              R"(</Channel><Channel local_id="4">)"
+              R"(<Property name="Inputs"><UnsignedValue>7</UnsignedValue><Constraints>)"
+              R"(<ChannelIdsConstraint max_items="0" max_dimension="-1" channel_type="ALL"/>)"
+              R"(<FilePathConstraint file_type="CSV" dialog_title="Open" default_path="/data" multi_select="true">)"
+              R"(<NameFilters><Filter name="*.csv"/><Filter name="*.txt"/></NameFilters></FilePathConstraint>)"
+              R"(</Constraints></Property></Channel></UpdateConfig>)");
+}
+
+TEST(UpdateConfig, WriterReportsWhatItCannotWrite)
+{
+    struct Case {
+        const char* name;
+        zlr::Constraint constraint;
+        const char* constraint_name;
+        const char* report;
+        const char* constraints_text;
+    };
+    const Case cases[] = {
+        {"orphan", zlr::Constraint::freeText(), "Other", "Orphaned constraints are not supported", ""},
+        {"mixed", zlr::Constraint::range(doubleProperty("", 1), scalarProperty("", 2, "V")), "P",
+         "Mixed ranges not supported", "<Constraints/>"},
+        {"string range", zlr::Constraint::range(zlr::Property("", "a"), zlr::Property("", "b")), "P",
+         "Unimplemented range type", "<Constraints/>"},
+        {"no range", zlr::Constraint(zlr::Constraint::RANGE, {}), "P", "Unimplemented range type", "<Constraints/>"},
+        {"unknown kind", zlr::Constraint(), "P", "Unimplemented constraint type", "<Constraints/>"},
+        {"kind past the table", zlr::Constraint(static_cast<zlr::Constraint::Kind>(8), {}), "P",
+         "Unimplemented constraint type", "<Constraints/>"},
+    };
+    for (const Case& c : cases) {
+        zlr::test::AssertCapture capture;
+        zlr::UpdateConfigTelegram telegram;
+        telegram.getChannelConfig(1).addProperty("P", zlr::Property("", true));
+        telegram.getChannelConfig(1).addConstraint(c.constraint_name, c.constraint);
+        EXPECT_EQ(telegram.generate(),
+                  std::string(R"(<?xml version="1.0"?><UpdateConfig protocol_version="1.0"><Channel local_id="1"><Property name="P"><BooleanValue>True</BooleanValue>)") +
+                      c.constraints_text + "</Property></Channel></UpdateConfig>")
+            << c.name;
+        EXPECT_EQ(capture.reported(), std::vector<std::string>{c.report}) << c.name;
+    }
+}
+
+TEST(UpdateConfig, KindAccessorsRefuseOtherKinds)
+{
+    const zlr::Constraint string_constraint = zlr::Constraint::freeText();
+    const std::pair<const char*, std::function<void()>> accessors[] = {
+        {"constraint is not of type range", [&] { string_constraint.getRange(); }},
+        {"constraint is not of type regex", [&] { string_constraint.getRegularExpression(); }},
+        {"constraint is not of type visibility", [&] { string_constraint.getVisibility(); }},
+        {"constraint is not of type file path", [&] { string_constraint.getFilePath(); }},
+        {"constraint is not of type channel_ids", [&] { string_constraint.getChannelIds(); }},
+    };
+    for (const auto& [text, call] : accessors) {
+        try {
+            call();
+            ADD_FAILURE() << "no exception for " << text;
+        } catch (const std::runtime_error& e) {
+            EXPECT_STREQ(e.what(), text);
+        }
+    }
+    const auto ids = zlr::Constraint::channelIds(3, -2, "SYNC").getChannelIds();
+    EXPECT_EQ(ids.m_max_items, 3u);
+    EXPECT_EQ(ids.m_max_dimension, -2);
+    EXPECT_EQ(ids.m_channel_type, "SYNC");
+    const auto options = zlr::Constraint::options({zlr::Property("a", "x"), zlr::Property("b", true)});
+    ASSERT_EQ(options.getParameters().size(), 2u);
+    EXPECT_EQ(options.getParameters()[0].getName(), "option");
+    EXPECT_EQ(options.getParameters()[1].getName(), "option");
+}
+
+TEST(UpdateConfig, RandomTelegramsSurviveARoundTrip)
+{
+    std::mt19937 random(37);
+    for (int round = 0; round < 150; ++round) {
+        zlr::UpdateConfigTelegram written;
+        for (unsigned c = random() % 4; c > 0; --c) {
+            zlr::ChannelConfig& channel = written.getChannelConfig(random() % 10);
+            for (unsigned p = random() % 4; p > 0; --p) {
+                const std::string name = "p" + std::to_string(random() % 5);
+                channel.addProperty(name, randomProperty(random, name));
+                for (unsigned k = random() % 3; k > 0; --k) {
+                    channel.addConstraint(name, randomConstraint(random));
+                }
+            }
+        }
+        const std::string text = written.generate();
+        zlr::UpdateConfigTelegram read;
+        ASSERT_TRUE(parseText(read, text)) << text;
+        ASSERT_EQ(read.m_channels.size(), written.m_channels.size());
+        for (std::size_t c = 0; c < read.m_channels.size(); ++c) {
+            const auto& a = written.m_channels[c];
+            const auto& b = read.m_channels[c];
+            EXPECT_EQ(b.m_local_id, a.m_local_id);
+            ASSERT_EQ(b.m_properties.size(), a.m_properties.size());
+            for (std::size_t p = 0; p < a.m_properties.size(); ++p) {
+                EXPECT_TRUE(zlr::test::sameProperty(a.m_properties[p], b.m_properties[p]));
+            }
+            for (const auto& [name, constraints] : a.m_constraints) {
+                // Each property's constraints arrive once per property element.
+                std::size_t copies = 0;
+                for (const auto& property : a.m_properties) {
+                    copies += property.getName() == name;
+                }
+                ASSERT_EQ(b.m_constraints.at(name).size(), constraints.size() * copies) << text;
+                for (std::size_t k = 0; k < constraints.size(); ++k) {
+                    EXPECT_EQ(b.m_constraints.at(name)[k].getKind(), constraints[k].getKind());
+                    EXPECT_TRUE(zlr::test::samePropertyList(b.m_constraints.at(name)[k].getParameters(),
+                                                            constraints[k].getParameters()))
+                        << text;
+                }
+            }
+        }
+    }
+}
+
+TEST(UpdateConfig, ReaderTable)
+{
+    const std::string head = R"(<UpdateConfig protocol_version="1.0">)";
+    struct Case {
+        std::string body;
+        bool answer;
+        std::vector<std::pair<std::uint32_t, std::size_t>> channels; // local id, properties
+    };
+    const Case cases[] = {
+        {R"(<Channel local_id="1"><Property name="a"><BooleanValue>True</BooleanValue></Property></Channel>)", true, {{1, 1}}},
+        {R"(<Channel local_id="1"/>text<Channel local_id="2"/>)", false, {{1, 0}}},
+        {R"(<Channel local_id="1"/><Other/>)", false, {{1, 0}}},
+        {R"(<Channel/>)", false, {}},
+        {R"(<Channel local_id="4294967295"/>)", false, {}},
+        // A nameless property ends that channel's list; the next channel is read.
+        {R"(<Channel local_id="1"><Property name="a"><BooleanValue>True</BooleanValue></Property><Property><BooleanValue>True</BooleanValue></Property><Property name="c"><BooleanValue>True</BooleanValue></Property></Channel><Channel local_id="2"><Property name="d"><BooleanValue>True</BooleanValue></Property></Channel>)",
+         true, {{1, 1}, {2, 1}}},
+        // Two type nodes give two properties of one name.
+        {R"(<Channel local_id="1"><Property name="a"><BooleanValue>True</BooleanValue><DoubleValue>1</DoubleValue></Property></Channel>)", true, {{1, 2}}},
+        // A number that does not convert ends the list as well.
+        {R"(<Channel local_id="1"><Property name="a"><BooleanValue>True</BooleanValue></Property><Property name="b"><ScalarValue><Value>x</Value></ScalarValue></Property></Channel>)", true, {{1, 1}}},
+        {R"(<Channel local_id="1"><Property name="a"><Nonsense/></Property></Channel>)", true, {{1, 0}}},
+        // Repeated ids gather in one entry.
+        {R"(<Channel local_id="1"><Property name="a"><BooleanValue>True</BooleanValue></Property></Channel><Channel local_id="1"><Property name="b"><BooleanValue>True</BooleanValue></Property></Channel>)", true, {{1, 2}}},
+    };
+    for (const Case& c : cases) {
+        zlr::UpdateConfigTelegram telegram;
+        EXPECT_EQ(parseText(telegram, head + c.body + "</UpdateConfig>"), c.answer) << c.body;
+        std::vector<std::pair<std::uint32_t, std::size_t>> channels;
+        for (const auto& channel : telegram.m_channels) {
+            channels.emplace_back(channel.m_local_id, channel.m_properties.size());
+        }
+        EXPECT_EQ(channels, c.channels) << c.body;
+    }
+    zlr::UpdateConfigTelegram telegram;
+    EXPECT_FALSE(parseText(telegram, R"(<UpdateConfig protocol_version="2.0"/>)"));
+    EXPECT_FALSE(parseText(telegram, R"(<UpdatePluginChannels/>)"));
+    EXPECT_TRUE(parseText(telegram, R"(<UpdateConfig/>)"));
+}
+
+TEST(UpdateConfig, ConstraintsReadByName)
+{
+    const std::string text =
+        R"(<UpdateConfig><Channel local_id="1"><Property name="a"><DoubleValue>1</DoubleValue><Constraints>)"
+        R"(<DoubleRangeConstraint max="3"/><ScalarRangeConstraint min="1" min_unit="V"/>)"
+        R"(<OptionConstraint><StringValue>"x"</StringValue><Bogus/><DoubleValue/><ScalarValue><Value>q</Value></ScalarValue></OptionConstraint>)"
+        R"(<ChannelIdsConstraint/><FilePathConstraint multi_select="true"/><FancyConstraint/>)"
+        R"(</Constraints></Property></Channel></UpdateConfig>)";
+    zlr::UpdateConfigTelegram telegram;
+    ASSERT_TRUE(parseText(telegram, text));
+    const auto& constraints = telegram.m_channels.at(0).m_constraints.at("a");
+    ASSERT_EQ(constraints.size(), 6u);
+    EXPECT_EQ(constraints[0].getRange().first.getDoubleValue(), 0.0);
+    EXPECT_EQ(constraints[0].getRange().second.getDoubleValue(), 3.0);
+    EXPECT_EQ(constraints[1].getRange().first.getScalarValue(), zlr::Scalar(1.0, "V"));
+    EXPECT_EQ(constraints[1].getRange().second.getScalarValue(), zlr::Scalar(0.0, ""));
+    ASSERT_EQ(constraints[2].getParameters().size(), 1u);
+    EXPECT_EQ(constraints[2].getParameters()[0].getName(), "option");
+    EXPECT_EQ(constraints[2].getParameters()[0].getStringValue(), "x");
+    EXPECT_EQ(constraints[3].getChannelIds().m_max_items, 0u);
+    EXPECT_EQ(constraints[3].getChannelIds().m_channel_type, "");
+    EXPECT_TRUE(constraints[4].getFilePath().m_multi_select);
+    EXPECT_TRUE(constraints[4].getFilePath().m_name_filters.empty());
+    EXPECT_EQ(constraints[5].getKind(), zlr::Constraint::UNKNOWN);
+}

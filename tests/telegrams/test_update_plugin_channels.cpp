@@ -1,0 +1,219 @@
+#include "zlr_property_compare.h"
+#include "zlrapi_update_plugin_channels_xml.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+zlr::PluginChannelInfo channel(std::uint32_t id, std::uint32_t parent = zlr::NO_LOCAL_ID)
+{
+    zlr::PluginChannelInfo info;
+    info.m_local_id = id;
+    info.m_local_parent_id = parent;
+    return info;
+}
+
+std::vector<std::uint32_t> idsOf(const std::vector<zlr::PluginChannelInfo>& channels)
+{
+    std::vector<std::uint32_t> ids;
+    for (const auto& info : channels) {
+        ids.push_back(info.m_local_id);
+    }
+    return ids;
+}
+
+bool parseText(zlr::UpdatePluginChannelsTelegram& telegram, const std::string& text)
+{
+    return telegram.parse(text.data(), text.size());
+}
+
+} // namespace
+
+TEST(UpdatePluginChannels, ParentFirstOrder)
+{
+    using Ids = std::vector<std::uint32_t>;
+    struct Case {
+        std::vector<zlr::PluginChannelInfo> channels;
+        Ids sorted; // empty with `cycle` set
+        bool cycle;
+    };
+    const Case cases[] = {
+        {{}, {}, false},
+        {{channel(3, 1), channel(1, 0), channel(0), channel(5)}, {0, 5, 1, 3}, false},
+        {{channel(2, 0), channel(1, 0), channel(0)}, {0, 2, 1}, false},
+        {{channel(4, 7)}, {}, true},
+        {{channel(0), channel(1, 2), channel(2, 1)}, {}, true},
+        {{channel(1, 1)}, {}, true},
+    };
+    for (const Case& c : cases) {
+        if (c.cycle) {
+            try {
+                zlr::sortParentFirst(c.channels);
+                ADD_FAILURE() << "no cycle found";
+            } catch (const std::domain_error& e) {
+                EXPECT_STREQ(e.what(), "Cyclic dependency between channels detected");
+            }
+            zlr::UpdatePluginChannelsTelegram telegram;
+            telegram.m_channels = c.channels;
+            EXPECT_THROW(telegram.generate(), std::domain_error);
+        } else {
+            EXPECT_EQ(idsOf(zlr::sortParentFirst(c.channels)), c.sorted);
+        }
+    }
+}
+
+TEST(UpdatePluginChannels, RandomForestsComeOutParentFirst)
+{
+    std::mt19937 random(41);
+    for (int round = 0; round < 100; ++round) {
+        std::vector<zlr::PluginChannelInfo> channels;
+        const std::uint32_t count = random() % 20;
+        for (std::uint32_t id = 0; id < count; ++id) {
+            channels.push_back(channel(id * 3, id > 0 && (random() & 1) ? 3 * (random() % id) : zlr::NO_LOCAL_ID));
+        }
+        std::shuffle(channels.begin(), channels.end(), random);
+        const auto sorted = zlr::sortParentFirst(channels);
+        ASSERT_EQ(sorted.size(), channels.size());
+        std::set<std::uint32_t> seen;
+        for (const auto& info : sorted) {
+            EXPECT_TRUE(info.m_local_parent_id == zlr::NO_LOCAL_ID || seen.count(info.m_local_parent_id));
+            EXPECT_TRUE(seen.insert(info.m_local_id).second);
+        }
+    }
+}
+
+TEST(UpdatePluginChannels, Descendants)
+{
+    const std::vector<zlr::PluginChannelInfo> tree = {channel(0), channel(1, 0), channel(2, 1), channel(3, 0),
+                                                      channel(4, 2), channel(5)};
+    EXPECT_EQ(zlr::findDescendants(tree, 0, false), (std::vector<std::uint32_t>{1, 3}));
+    EXPECT_EQ(zlr::findDescendants(tree, 0, true), (std::vector<std::uint32_t>{1, 2, 4, 3}));
+    EXPECT_EQ(zlr::findDescendants(tree, 5, true), std::vector<std::uint32_t>{});
+    const std::vector<zlr::PluginChannelInfo> loop = {channel(1, 2), channel(2, 1)};
+    EXPECT_EQ(zlr::findDescendants(loop, 1, false), std::vector<std::uint32_t>{2});
+    EXPECT_THROW(zlr::findDescendants(loop, 1, true), std::domain_error);
+}
+
+TEST(UpdatePluginChannels, ExactText)
+{
+    zlr::UpdatePluginChannelsTelegram telegram;
+    zlr::PluginChannelInfo child = channel(1, 0);
+    child.m_default_name = "Frequency <1>";
+    child.m_dataformat = {13, 1, 1, 0, 0};
+    child.m_timebase = {zlr::Timebase::TYPE_SIMPLE, 12.5, 0.0};
+    child.m_valid = true;
+    zlr::Property used("Used", true);
+    child.m_properties.push_back(used);
+    child.m_constraints["Used"].push_back(zlr::Constraint::visibility("HIDDEN"));
+    zlr::PluginChannelInfo root = channel(0);
+    root.m_domain = "time";
+    root.m_deletable = true;
+    root.m_dataformat = {3, 0, 4294967295u, 3, 0};
+    root.m_timebase = {zlr::Timebase::TYPE_WITH_OFFSET, 1000, 0.25};
+    telegram.m_channels = {child, root};
+    telegram.m_topology.m_children = {{"Group A", zlr::NO_LOCAL_ID, {{"", 0, {{"", 1, {}}}}}}};
+    EXPECT_EQ(telegram.generate(),
+              R"(<?xml version="1.0"?><UpdatePluginChannels protocol_version="1.0">)"
+              R"(<Channel local_id="0" domain="time" deletable="true" valid="false">)"
+              R"(<DataFormat sample_occurrence="NEVER" sample_format="sint8" sample_dimension="4294967295"/>)"
+              R"(<TimebaseWithOffset frequency="1000" offset="0.25"/></Channel>)"
+              R"(<Channel local_id="1" default_name="Frequency &lt;1>" valid="true">)"
+              R"(<DataFormat sample_occurrence="SYNC" sample_format="double" sample_dimension="1" sample_value_type="scalar"/>)"
+              R"(<SimpleTimebase frequency="12.5"/><Parent local_id="0"/>)"
+              R"(<Property name="Used"><BooleanValue>True</BooleanValue><Constraints><VisibilityConstraint visibility="HIDDEN"/></Constraints></Property>)"
+              R"(</Channel><ListTopology><Group name="Group A"><Channel local_id="0"><Channel local_id="1"/></Channel></Group></ListTopology>)"
+              R"(</UpdatePluginChannels>)");
+
+    zlr::UpdatePluginChannelsTelegram empty;
+    EXPECT_EQ(empty.generate(), R"(<?xml version="1.0"?><UpdatePluginChannels protocol_version="1.0"/>)");
+}
+
+TEST(UpdatePluginChannels, RandomTelegramsReadBack)
+{
+    std::mt19937 random(43);
+    const auto formats = std::vector<zlr::DataFormat>{{}, {13, 1, 1, 0, 0}, {12, 3, 8, 1, 1}, {19, 0, 2, 2, 2}};
+    for (int round = 0; round < 100; ++round) {
+        zlr::UpdatePluginChannelsTelegram written;
+        const std::uint32_t count = random() % 8;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            zlr::PluginChannelInfo info = channel(10 + i, i > 0 && (random() & 1) ? 10 + random() % i : zlr::NO_LOCAL_ID);
+            info.m_dataformat = formats[random() % formats.size()];
+            const std::uint32_t type = random() % 3;
+            info.m_timebase.m_type = type;
+            if (type != 0) {
+                info.m_timebase.m_frequency = double(random()) / 1024;
+                info.m_timebase.m_offset = type == 2 ? -double(random()) / 3 : 0.0;
+            }
+            info.m_default_name = (random() & 1) ? "" : " name \"" + std::to_string(i) + "\" ";
+            info.m_domain = (random() & 1) ? "" : "d&" + std::to_string(random() % 9);
+            info.m_deletable = random() & 1;
+            info.m_valid = random() & 1;
+            for (unsigned p = random() % 3; p > 0; --p) {
+                const std::string name = "SoftwareChannelInstanceKey" + std::to_string(p);
+                info.m_properties.emplace_back(name, "key" + std::to_string(random()));
+                info.m_constraints[name].push_back(zlr::Constraint::visibility("HIDDEN"));
+            }
+            written.m_channels.push_back(info);
+        }
+        for (unsigned t = random() % 3; t > 0; --t) {
+            written.m_topology.m_children.push_back({"g" + std::to_string(t), zlr::NO_LOCAL_ID, {{"", t, {}}, {"sub", zlr::NO_LOCAL_ID, {}}}});
+        }
+        std::shuffle(written.m_channels.begin(), written.m_channels.end(), random);
+
+        const std::string text = written.generate();
+        zlr::UpdatePluginChannelsTelegram read;
+        ASSERT_TRUE(parseText(read, text)) << text;
+        EXPECT_EQ(read.m_topology, written.m_topology);
+        const auto expected = zlr::sortParentFirst(written.m_channels);
+        ASSERT_EQ(read.m_channels.size(), expected.size());
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            EXPECT_EQ(read.m_channels[i], expected[i]) << text;
+            for (std::size_t p = 0; p < expected[i].m_properties.size(); ++p) {
+                EXPECT_TRUE(zlr::test::sameProperty(read.m_channels[i].m_properties.at(p), expected[i].m_properties[p]));
+            }
+        }
+        EXPECT_EQ(read.generate(), text);
+    }
+}
+
+TEST(UpdatePluginChannels, ReaderTable)
+{
+    const std::string head = R"(<UpdatePluginChannels protocol_version="1.0">)";
+    const std::string tail = "</UpdatePluginChannels>";
+    struct Case {
+        std::string body;
+        bool answer;
+        std::size_t channels;
+    };
+    const Case cases[] = {
+        {R"(<Channel local_id="1"/>)", true, 1},
+        {R"(<Channel local_id="1"/><Channel/>)", false, 1},
+        {R"(<Channel local_id="1"><DataFormat sample_occurrence="SYNC" sample_format="doubles"/></Channel>)", false, 0},
+        {R"(<Channel local_id="1"><SimpleTimebase/></Channel>)", true, 1},
+        {R"(<Channel local_id="1"><Property><BooleanValue>True</BooleanValue></Property></Channel><Channel local_id="2"/>)", true, 2},
+        {R"(<Channel local_id="1"/><ListTopology><Foo/><Group name="g"><Channel/></Group></ListTopology>)", true, 1},
+    };
+    for (const Case& c : cases) {
+        zlr::UpdatePluginChannelsTelegram telegram;
+        EXPECT_EQ(parseText(telegram, head + c.body + tail), c.answer) << c.body;
+        EXPECT_EQ(telegram.m_channels.size(), c.channels) << c.body;
+    }
+    zlr::UpdatePluginChannelsTelegram telegram;
+    ASSERT_TRUE(parseText(telegram, head + R"(<Channel local_id="7" deletable="true"><SimpleTimebase/><Parent/></Channel><ListTopology><Foo/><Group name="g"><Channel/></Group></ListTopology>)" + tail));
+    const zlr::PluginChannelInfo& info = telegram.m_channels.at(0);
+    EXPECT_EQ(info.m_timebase, zlr::Timebase{});
+    EXPECT_EQ(info.m_local_parent_id, zlr::NO_LOCAL_ID);
+    EXPECT_TRUE(info.m_deletable);
+    EXPECT_FALSE(info.m_valid);
+    EXPECT_EQ(info.m_dataformat, zlr::DataFormat{});
+    EXPECT_EQ(telegram.m_topology.m_children,
+              (std::vector<zlr::TopologyNode>{{"g", zlr::NO_LOCAL_ID, {{"", zlr::NO_LOCAL_ID, {}}}}}));
+    EXPECT_FALSE(parseText(telegram, R"(<UpdatePluginChannels protocol_version="1.1"/>)"));
+    EXPECT_FALSE(parseText(telegram, R"(<UpdateConfig/>)"));
+}
