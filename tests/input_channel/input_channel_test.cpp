@@ -1,0 +1,136 @@
+// The proxy of a host channel against the simulated host's value tree.
+#include "sim_host.h"
+#include "zlrfw_input_channel.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+namespace {
+
+using zlr::framework::InputChannel;
+
+class CountingHost : public zelvar_sim::SimHost {
+public:
+    zlr::IfValue* queryValue(const char* path, const char* key, std::uint64_t a,
+                             std::uint64_t b) override
+    {
+        ++queries;
+        return SimHost::queryValue(path, key, a, b);
+    }
+    int queries = 0;
+};
+
+const char* const PATH = "#Zelvar#Channels#12";
+
+TEST(InputChannel, ReadsTheBareAndTheWrappedDataFormatAlike)
+{
+    const std::string bare =
+        R"(<DataFormat sample_occurrence="SYNC" sample_format="double" sample_dimension="1" sample_value_type="scalar"/>)";
+    const std::string wrapped = "<ChannelDataFormat><Channel channel_id=\"12\">" + bare +
+                                "</Channel></ChannelDataFormat>";
+    zlr::DataFormat formats[2];
+    int i = 0;
+    for (const std::string& text : {bare, wrapped}) {
+        CountingHost host;
+        host.tree().setXml(PATH, "DataFormat", text);
+        InputChannel channel(&host, 12);
+        ASSERT_TRUE(channel.updateDataFormat()) << text;
+        formats[i++] = channel.getDataFormat();
+        EXPECT_EQ(host.valuesOutsideTree(), 0);
+    }
+    EXPECT_EQ(formats[0], formats[1]);
+    EXPECT_EQ(formats[0].m_sample_occurrence, zlr::SAMPLE_OCCURRENCE_SYNC);
+    EXPECT_EQ(formats[0].m_sample_format, zlr::SAMPLE_FORMAT_DOUBLE);
+    EXPECT_EQ(formats[0].m_sample_value_type, zlr::SAMPLE_VALUE_TYPE_SCALAR);
+    EXPECT_EQ(formats[0].m_sample_dimension, 1u);
+}
+
+TEST(InputChannel, AFormatThatDoesNotReadLeavesTheCachedOne)
+{
+    const char* const refused[] = {
+        R"(<DataFormat sample_occurrence="SOMETIMES" sample_format="double" sample_value_type="vector"/>)",
+        R"(<ChannelDataFormat><Channel><DataFormat sample_occurrence="SOMETIMES" sample_format="double"/></Channel></ChannelDataFormat>)",
+        "<DataFormat",
+        "",
+    };
+    for (const char* text : refused) {
+        CountingHost host;
+        host.tree().setXml(PATH, "DataFormat",
+                           R"(<DataFormat sample_occurrence="ASYNC" sample_format="float"/>)");
+        InputChannel channel(&host, 12);
+        ASSERT_TRUE(channel.updateDataFormat());
+        const zlr::DataFormat before = channel.getDataFormat();
+        host.tree().setXml(PATH, "DataFormat", text);
+        EXPECT_FALSE(channel.updateDataFormat()) << text;
+        EXPECT_EQ(channel.getDataFormat(), before) << text;
+    }
+    CountingHost empty_host;
+    InputChannel missing(&empty_host, 12);
+    EXPECT_FALSE(missing.updateDataFormat());
+    EXPECT_EQ(missing.getDataFormat(), zlr::DataFormat());
+}
+
+TEST(InputChannel, LiveValuesAndTheirDefaults)
+{
+    CountingHost host;
+    host.tree().setBoolean(PATH, "Usable", true);
+    host.tree().setString(PATH, "LongName", "Voltage U1");
+    host.tree().setScalar(PATH, "SampleRate", 10000.0, "Hz");
+    host.tree().setXml(PATH, "DataFormat", R"(<DataFormat sample_occurrence="ASYNC" sample_format="double"/>)");
+
+    InputChannel channel(&host, 12);
+    EXPECT_EQ(host.queries, 0);
+    EXPECT_TRUE(channel.isUsable());
+    EXPECT_EQ(channel.getLongName(), "Voltage U1");
+
+    // Only a synchronous channel has a rate, and the cached format decides.
+    const int before = host.queries;
+    EXPECT_EQ(channel.getSampleRate(), zlr::Scalar());
+    EXPECT_EQ(host.queries, before);
+    channel.updateDataFormat();
+    EXPECT_EQ(channel.getSampleRate(), zlr::Scalar());
+    host.tree().setXml(PATH, "DataFormat", R"(<DataFormat sample_occurrence="SYNC" sample_format="double"/>)");
+    channel.updateDataFormat();
+    EXPECT_EQ(channel.getSampleRate(), zlr::Scalar(10000.0, "Hz"));
+
+    InputChannel unknown(&host, 13);
+    EXPECT_FALSE(unknown.isUsable());
+    EXPECT_EQ(unknown.getLongName(), "");
+    host.tree().setString(PATH, "Usable", "true"); // a value of the wrong type counts as absent
+    EXPECT_FALSE(channel.isUsable());
+
+    InputChannel none(&host, ~std::uint64_t{0});
+    const int queries = host.queries;
+    EXPECT_FALSE(none.isUsable());
+    EXPECT_FALSE(none.updateDataFormat());
+    EXPECT_EQ(host.queries, queries);
+    EXPECT_EQ(host.valuesOutsideTree(), 0);
+}
+
+TEST(InputChannel, TimebaseIsReplacedWhollyOrNotAtAll)
+{
+    CountingHost host;
+    InputChannel channel(&host, 12);
+    EXPECT_TRUE(std::isnan(channel.getTimebase().m_frequency));
+    EXPECT_FALSE(channel.updateTimebase());
+
+    host.tree().setXml(PATH, "Timebase", R"(<TimebaseWithOffset frequency="48000" offset="0.5"/>)");
+    ASSERT_TRUE(channel.updateTimebase());
+    EXPECT_EQ(channel.getTimebase().m_type, zlr::Timebase::TYPE_WITH_OFFSET);
+    EXPECT_EQ(channel.getTimebase().m_offset, 0.5);
+
+    host.tree().setXml(PATH, "Timebase", R"(<SimpleTimebase frequency="1000")");
+    EXPECT_FALSE(channel.updateTimebase());
+    EXPECT_EQ(channel.getTimebase().m_frequency, 48000.0);
+
+    host.tree().setXml(PATH, "Timebase", R"(<SimpleTimebase frequency="1000"/>)");
+    ASSERT_TRUE(channel.updateTimebase());
+    EXPECT_EQ(channel.getTimebase().m_type, zlr::Timebase::TYPE_SIMPLE);
+    EXPECT_EQ(channel.getTimebase().m_frequency, 1000.0);
+    EXPECT_EQ(channel.getTimebase().m_offset, 0.0);
+    EXPECT_EQ(host.valuesOutsideTree(), 0);
+}
+
+} // namespace
