@@ -1,0 +1,34 @@
+// Note of changed settings of host channels: any text is read or refused, and what is read writes back
+// through the simulator's writer to a fixed point.
+#include "zlr_fuzz_fixed_point.h"
+
+#include "sim_channel_writers.h"
+#include "zlrapi_channel_config_changed_xml.h"
+
+namespace {
+
+bool parseText(zlr::ChannelConfigChangedTelegram& telegram, const std::string& text)
+{
+    return telegram.parse(text.data(), text.size());
+}
+
+std::string writeText(const zlr::ChannelConfigChangedTelegram& telegram)
+{
+    return zelvar_sim::writeChannelConfigChanged(telegram.m_channels);
+}
+
+void readTelegram(const char* text, std::size_t length)
+{
+    zlr::ChannelConfigChangedTelegram telegram;
+    if (parseText(telegram, std::string(text, length))) {
+        zlr::fuzz::expectFixedPoint(telegram, parseText, writeText, true);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    zlr::fuzz::runReader(data, size, &readTelegram);
+    return 0;
+}

@@ -1,0 +1,39 @@
+// DataFormat, bare and as the value of PLUGIN_CHANNEL_DATA_FORMAT: any text
+// is read or refused, and a format that reads writes back to the same one.
+#include "zlr_fuzz_harness.h"
+
+#include "xpugixml.h"
+#include "zlrapi_channel_data_format_xml.h"
+#include "zlrapi_data_format.h"
+
+namespace {
+
+void expectSameAfterWriting(const zlr::DataFormat& format)
+{
+    pugi::xml_document document;
+    zlr::fuzz::expect(zlr::writeDataFormat(document, format), "a read format is written");
+    const std::string text = xpugi::to_xml(document, false);
+    zlr::DataFormat again;
+    zlr::fuzz::expect(zlr::parseDataFormat(text.data(), text.size(), again), "it reads again");
+    zlr::fuzz::expect(again == format, "it reads back the same");
+}
+
+void readTelegram(const char* text, std::size_t length)
+{
+    zlr::DataFormat format;
+    if (zlr::parseDataFormat(text, length, format)) {
+        expectSameAfterWriting(format);
+    }
+    zlr::ChannelDataFormatTelegram channel;
+    if (channel.parse(text, length)) {
+        expectSameAfterWriting(channel.m_dataformat);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    zlr::fuzz::runReader(data, size, &readTelegram);
+    return 0;
+}
