@@ -16,14 +16,34 @@ constexpr int PARALLEL_TRANSFORM_FROM = 32768;
 // From this real size on, the weight table is filled by a parallel loop.
 constexpr int PARALLEL_TABLE_FROM = 65536;
 
+inline cvec2 reversed(cvec2 v)
+{
+    return cvec2::combine(v.hi(), v.lo());
+}
+
 // Step 5 of the forward frame for k in [k0, k1): X[k] = z[k] - W[k] d with
 // d = z[k] - conj z[Nh-k], and the partner bin Nh-k from the same values.
-// At k = Nq both stores hit y[Nq]; the second one stands.
+// Two neighbouring k share a vector below Nq, where the partners are
+// distinct; at k = Nq both stores hit y[Nq] and the second one stands.
 template <bool Scaled>
-void split(complex_t* y, const complex_t* W, long Nh, long k0, long k1, double r)
+void split(complex_t* y, const complex_t* W, long Nh, long Nq, long k0, long k1, double r)
 {
     const complex_t* z = y + Nh;
-    for (long k = k0; k < k1; ++k) {
+    long k = k0;
+    for (; k + 1 < k1 && k + 1 < Nq; k += 2) {
+        const cvec2 a = cvec2::load(z + k);
+        const cvec2 b = conj(reversed(cvec2::load(z + Nh - k - 1)));
+        const cvec2 e = mul(cvec2::load(W + k), a - b);
+        cvec2 lo = a - e;
+        cvec2 hi = conj(e + b);
+        if constexpr (Scaled) {
+            lo = scale(lo, r);
+            hi = scale(hi, r);
+        }
+        lo.store(y + k);
+        reversed(hi).store(y + Nh - k - 1);
+    }
+    for (; k < k1; ++k) {
         const cvec1 a = cvec1::load(z + k);
         const cvec1 b = conj(cvec1::load(z + Nh - k));
         const cvec1 e = mul(cvec1::load(W + k), a - b);
@@ -38,9 +58,14 @@ void split(complex_t* y, const complex_t* W, long Nh, long k0, long k1, double r
     }
 }
 
+// Step 6: y[N-k] = conj y[k] for k in [k0, k1).
 void mirror(complex_t* y, long N, long k0, long k1)
 {
-    for (long k = k0; k < k1; ++k) {
+    long k = k0;
+    for (; k + 1 < k1; k += 2) {
+        reversed(conj(cvec2::load(y + k))).store(y + N - k - 1);
+    }
+    for (; k < k1; ++k) {
         conj(cvec1::load(y + k)).store(y + N - k);
     }
 }
@@ -52,7 +77,20 @@ template <bool Scaled>
 void merge(complex_t* y, const complex_t* W, long Nh, long k0, long k1, double c)
 {
     complex_t* z = y + Nh;
-    for (long k = k0; k < k1; ++k) {
+    long k = k0;
+    // Both vectors of a pair are loaded before z[k] is stored, so the pair
+    // that holds k = 0 still reads the Nyquist bin first.
+    for (; k + 1 < k1; k += 2) {
+        const cvec2 a = conj(cvec2::load(y + k));
+        const cvec2 b = reversed(cvec2::load(y + Nh - k - 1));
+        const cvec2 e = mul(cvec2::load(W + k), a - b);
+        cvec2 v = conj(a - e);
+        if constexpr (Scaled) {
+            v = scale(v, c);
+        }
+        v.store(z + k);
+    }
+    for (; k < k1; ++k) {
         const cvec1 a = conj(cvec1::load(y + k));
         const cvec1 b = cvec1::load(y + Nh - k);
         const cvec1 e = mul(cvec1::load(W + k), a - b);
@@ -192,9 +230,9 @@ void RFFT::run_forward(const double* x, complex_t* y, Scaling scaling) const
     auto split_and_mirror = [=] {
         shared_loop(1, Nq + 1, [=](long k0, long k1) {
             if (scaling == Scaling::none) {
-                split<false>(y, table, Nh, k0, k1, r);
+                split<false>(y, table, Nh, Nq, k0, k1, r);
             } else {
-                split<true>(y, table, Nh, k0, k1, r);
+                split<true>(y, table, Nh, Nq, k0, k1, r);
             }
         });
         // The mirror overwrites z, which other threads may still be reading.

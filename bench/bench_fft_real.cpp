@@ -1,0 +1,129 @@
+// The forward real transform against FFTW's r2c (FFTW_MEASURE plans), on one
+// and on two threads, and the estimator's cost per window against its
+// transform alone. Figures and the command are in bench/README.md.
+#include "frequency_estimator.h"
+#include "zfft/zfft_real_fft.h"
+
+#include <benchmark/benchmark.h>
+#include <fftw3.h>
+#include <omp.h>
+
+#include <cmath>
+#include <vector>
+
+namespace {
+
+std::vector<double> test_signal(long n)
+{
+    std::vector<double> x(static_cast<std::size_t>(n));
+    for (long i = 0; i < n; ++i) {
+        x[i] = std::sin(0.1234 * static_cast<double>(i)) + 0.5 * std::cos(0.007 * static_cast<double>(i) * i);
+    }
+    return x;
+}
+
+// Nominal flops of a real transform: 2.5 N log2 N.
+void report(benchmark::State& state, long n)
+{
+    state.counters["Mflops"] = benchmark::Counter(2.5e-6 * n * std::log2(static_cast<double>(n)),
+                                                  benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void BM_RealForward_Ours(benchmark::State& state)
+{
+    const long n = state.range(0);
+    omp_set_num_threads(static_cast<int>(state.range(1)));
+    const std::vector<double> x = test_signal(n);
+    std::vector<ZFFT::complex_t> y(static_cast<std::size_t>(n));
+    ZFFT::RealFFTPtr fft = ZFFT::create_real_fft(static_cast<int>(n), 0);
+    for (auto _ : state) {
+        fft->forward_raw(x.data(), y.data());
+        benchmark::DoNotOptimize(y.data());
+        benchmark::ClobberMemory();
+    }
+    report(state, n);
+}
+
+void BM_RealForward_FFTW(benchmark::State& state)
+{
+    const long n = state.range(0);
+    fftw_plan_with_nthreads(static_cast<int>(state.range(1)));
+    double* in = fftw_alloc_real(static_cast<std::size_t>(n));
+    fftw_complex* out = fftw_alloc_complex(static_cast<std::size_t>(n / 2 + 1));
+    fftw_plan plan = fftw_plan_dft_r2c_1d(static_cast<int>(n), in, out, FFTW_MEASURE);
+    const std::vector<double> x = test_signal(n);
+    std::copy(x.begin(), x.end(), in);
+    for (auto _ : state) {
+        fftw_execute(plan);
+        benchmark::DoNotOptimize(out);
+        benchmark::ClobberMemory();
+    }
+    report(state, n);
+    fftw_destroy_plan(plan);
+    fftw_free(in);
+    fftw_free(out);
+}
+
+void BM_Estimator(benchmark::State& state)
+{
+    const long n = state.range(0);
+    frequency_measurement::FrequencyEstimator estimator;
+    estimator.prepare(static_cast<std::uint64_t>(n));
+    const std::vector<double> x = test_signal(n);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(estimator.estimateFrequency(x, 48000.0, 24000.0));
+    }
+    report(state, n);
+}
+
+void BM_EstimatorTransformOnly(benchmark::State& state)
+{
+    const long n = state.range(0);
+    ZFFT::RealFFTPtr fft = ZFFT::create_real_fft(static_cast<int>(n), 0);
+    std::vector<ZFFT::complex_t> y(static_cast<std::size_t>(n));
+    const std::vector<double> x = test_signal(n);
+    for (auto _ : state) {
+        fft->forward_raw(x.data(), y.data());
+        benchmark::DoNotOptimize(y.data());
+        benchmark::ClobberMemory();
+    }
+    report(state, n);
+}
+
+void transform_sizes(benchmark::internal::Benchmark* b)
+{
+    for (int threads : {1, 2}) {
+        for (long n = 4; n <= (1L << 20); n *= 2) {
+            b->Args({n, threads});
+        }
+    }
+    b->ArgNames({"n", "threads"});
+}
+
+void estimator_sizes(benchmark::internal::Benchmark* b)
+{
+    for (long n = 64; n <= (1L << 20); n *= 4) {
+        b->Arg(n);
+    }
+    b->ArgName("n");
+}
+
+} // namespace
+
+BENCHMARK(BM_RealForward_Ours)->Apply(transform_sizes)->UseRealTime();
+BENCHMARK(BM_RealForward_FFTW)->Apply(transform_sizes)->UseRealTime();
+BENCHMARK(BM_Estimator)->Apply(estimator_sizes)->UseRealTime();
+BENCHMARK(BM_EstimatorTransformOnly)->Apply(estimator_sizes)->UseRealTime();
+
+int main(int argc, char** argv)
+{
+    fftw_init_threads();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    fftw_cleanup_threads();
+    return 0;
+}
