@@ -7,6 +7,7 @@
 #include "zfft_avxdit8.h"
 #include "zfft_fft_handle.h"
 #include "zfft_mixed_radix.h"
+#include "zfft_sixstep.h"
 
 #include <memory>
 
@@ -58,6 +59,8 @@ FFT_IF* make_fft0(ZFFT::Algorithm a)
         return new ZFFT_AVXDIT8::FFT0;
     case ZFFT::Algorithm::DIF16:
         return new ZFFT_AVXDIF16::FFT0;
+    case ZFFT::Algorithm::SixStep:
+        return new ZFFT_SixStep::FFT0();
     case ZFFT::Algorithm::MixedRadix:
         return new ZFFT_MixedRadix::FFT0();
     default:

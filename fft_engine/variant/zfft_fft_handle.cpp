@@ -73,14 +73,11 @@ void FFTHandle::setup(int n)
         return;
     }
 
-    std::unique_ptr<FFT_IF> fft;
-    if (log_N >= 1 && log_N <= PLAN_LAST_LOG) {
-        fft.reset(make_fft0(PLAN[log_N]));
-    }
-    if (fft) {
+    const bool planned = log_N >= 1 && log_N <= PLAN_LAST_LOG;
+    std::unique_ptr<FFT_IF> fft(make_fft0(planned ? PLAN[log_N] : Algorithm::MixedRadix));
+    if (planned) {
         fft->setup_log2(log_N);
     } else {
-        fft.reset(make_fft0(Algorithm::MixedRadix));
         fft->setup(n);
     }
     m_fft = fft.release();

@@ -1,0 +1,418 @@
+#include "zfft_sixstep.h"
+
+#include "zfft_avxdif8.h"
+#include "zfft_butterflies.h"
+#include "zfft_twiddles.h"
+#include "zfft_work_share.h"
+
+#include <cmath>
+#include <utility>
+
+namespace ZFFT_VARIANT {
+namespace ZFFT_SixStep {
+namespace {
+
+// Sizes that run in parallel: even log_N from 14, odd log_N from 13.
+constexpr int EVEN_PARALLEL_FROM = 14;
+constexpr int ODD_PARALLEL_FROM = 13;
+// From this odd log_N on, the eight sub-transforms run one after another
+// on the calling thread, between two parallel regions.
+constexpr int ODD_BLOCKS_ON_CALLER_FROM = 19;
+// Tables at least this long are filled by a parallel loop.
+constexpr long PARALLEL_FILL_FROM = 16384;
+constexpr int DIRECT_LOG_N_MAX = 5;
+
+// What the five passes over an n by n matrix read.
+struct matrix {
+    long n;
+    int log_n;
+    const tile_pair* tiles;
+    long tile_count;
+    const complex_t* twiddles; // four per tile
+    const complex_t* rows;     // long radix-8 table of the row size
+};
+
+// The calling thread's part of a loop: shared out over the team when
+// `shared`, else all of it. A shared loop ends with a barrier.
+work_share part(long total, bool shared)
+{
+    return shared ? my_share(total) : work_share{0, total};
+}
+
+void end_of_pass(bool shared)
+{
+    if (shared) {
+#pragma omp barrier
+    }
+}
+
+complex_t& at(complex_t* x, long n, long row, long col)
+{
+    return x[row * n + col];
+}
+
+// Steps 1 and 5: the matrix turned in place, one pair of tiles at a time.
+void transpose(complex_t* x, const matrix& m, bool shared)
+{
+    const long n = m.n;
+    const work_share share = part(m.tile_count, shared);
+    for (long t = share.begin; t < share.end; ++t) {
+        const long i = m.tiles[t].i;
+        const long j = m.tiles[t].j;
+        if (i != j) {
+            std::swap(at(x, n, i, j), at(x, n, j, i));
+            std::swap(at(x, n, i, j + 1), at(x, n, j + 1, i));
+            std::swap(at(x, n, i + 1, j), at(x, n, j, i + 1));
+            std::swap(at(x, n, i + 1, j + 1), at(x, n, j + 1, i + 1));
+        } else {
+            std::swap(at(x, n, i, i + 1), at(x, n, i + 1, i));
+        }
+    }
+    end_of_pass(shared);
+}
+
+// Step 3: element (r, c) times exp(i r c theta), moved to (c, r). The four
+// values of a tile serve its mirror tile too, since r c is symmetric.
+template <Direction D, bool Scaled>
+void twiddle_transpose(complex_t* x, const matrix& m, double factor, bool shared)
+{
+    const long n = m.n;
+    auto twiddled = [factor](cvec1 w, const complex_t& v) {
+        cvec1 value = cvec1::load(&v);
+        if constexpr (Scaled) {
+            value = scale(value, factor);
+        }
+        return mul(w, value);
+    };
+    const work_share share = part(m.tile_count, shared);
+    for (long t = share.begin; t < share.end; ++t) {
+        const long i = m.tiles[t].i;
+        const long j = m.tiles[t].j;
+        const complex_t* w = m.twiddles + 4 * t;
+        const cvec1 w00 = twiddle<D>(cvec1::load(w));     // (i, j)
+        const cvec1 w01 = twiddle<D>(cvec1::load(w + 1)); // (i, j+1)
+        const cvec1 w10 = twiddle<D>(cvec1::load(w + 2)); // (i+1, j)
+        const cvec1 w11 = twiddle<D>(cvec1::load(w + 3)); // (i+1, j+1)
+        if (i != j) {
+            const cvec1 a00 = twiddled(w00, at(x, n, i, j));
+            const cvec1 a01 = twiddled(w01, at(x, n, i, j + 1));
+            const cvec1 a10 = twiddled(w10, at(x, n, i + 1, j));
+            const cvec1 a11 = twiddled(w11, at(x, n, i + 1, j + 1));
+            const cvec1 b00 = twiddled(w00, at(x, n, j, i));
+            const cvec1 b01 = twiddled(w10, at(x, n, j, i + 1));
+            const cvec1 b10 = twiddled(w01, at(x, n, j + 1, i));
+            const cvec1 b11 = twiddled(w11, at(x, n, j + 1, i + 1));
+            a00.store(&at(x, n, j, i));
+            a01.store(&at(x, n, j + 1, i));
+            a10.store(&at(x, n, j, i + 1));
+            a11.store(&at(x, n, j + 1, i + 1));
+            b00.store(&at(x, n, i, j));
+            b01.store(&at(x, n, i + 1, j));
+            b10.store(&at(x, n, i, j + 1));
+            b11.store(&at(x, n, i + 1, j + 1));
+        } else {
+            const cvec1 d00 = twiddled(w00, at(x, n, i, i));
+            const cvec1 d01 = twiddled(w01, at(x, n, i, i + 1));
+            const cvec1 d10 = twiddled(w10, at(x, n, i + 1, i));
+            const cvec1 d11 = twiddled(w11, at(x, n, i + 1, i + 1));
+            d00.store(&at(x, n, i, i));
+            d01.store(&at(x, n, i + 1, i));
+            d10.store(&at(x, n, i, i + 1));
+            d11.store(&at(x, n, i + 1, i + 1));
+        }
+    }
+    end_of_pass(shared);
+}
+
+// Steps 2 and 4: every row by the single-threaded radix-8 chain, the same
+// row of y as its work space.
+template <Direction D>
+void row_transforms(complex_t* x, complex_t* y, const matrix& m, bool shared)
+{
+    const work_share share = part(m.n, shared);
+    for (long r = share.begin; r < share.end; ++r) {
+        if constexpr (D == Direction::forward) {
+            ZFFT_AVXDIF8::forward_raw_single(m.log_n, x + r * m.n, y + r * m.n, m.rows);
+        } else {
+            ZFFT_AVXDIF8::inverse_single(m.log_n, x + r * m.n, y + r * m.n, m.rows);
+        }
+    }
+    end_of_pass(shared);
+}
+
+// The even form: two transposes with a twiddled one between them, and the
+// two row passes. The result stands in x.
+template <Direction D, bool Scaled>
+void five_passes(complex_t* x, complex_t* y, const matrix& m, double factor, bool shared)
+{
+    transpose(x, m, shared);
+    row_transforms<D>(x, y, m, shared);
+    twiddle_transpose<D, Scaled>(x, m, factor, shared);
+    row_transforms<D>(x, y, m, shared);
+    transpose(x, m, shared);
+}
+
+// Odd form, step 1: one radix-8 step from x into y, two p at a time.
+template <Direction D, bool Scaled>
+void radix8_step(const complex_t* x, complex_t* y, const complex_t* W1, long Q, double factor, bool shared)
+{
+    const work_share share = part(Q / 2, shared);
+    for (long pair = share.begin; pair < share.end; ++pair) {
+        const long p = 2 * pair;
+        cvec2 a[8];
+        cvec2 b[8];
+        for (int k = 0; k < 8; ++k) {
+            a[k] = cvec2::load(x + p + k * Q);
+            if constexpr (Scaled) {
+                a[k] = scale(a[k], factor);
+            }
+        }
+        butterfly8<D>(a, b);
+        const cvec2 w1 = twiddle<D>(cvec2::load(W1 + p));
+        cvec2 w = w1;
+        b[0].store(y + p);
+        for (int k = 1; k < 8; ++k) {
+            mul(w, b[k]).store(y + p + k * Q);
+            w = mul(w1, w);
+        }
+    }
+    end_of_pass(shared);
+}
+
+// Odd form, step 3: x[8 j + k] = y[k Q + j], two j at a time.
+void interleave(complex_t* x, const complex_t* y, long Q, bool shared)
+{
+    const work_share share = part(Q / 2, shared);
+    for (long pair = share.begin; pair < share.end; ++pair) {
+        const long j = 2 * pair;
+        for (int k = 0; k < 8; ++k) {
+            x[8 * j + k] = y[k * Q + j];
+            x[8 * (j + 1) + k] = y[k * Q + j + 1];
+        }
+    }
+    end_of_pass(shared);
+}
+
+template <Direction D, bool Scaled>
+void even_transform(int log_N, complex_t* x, complex_t* y, const matrix& m, double factor)
+{
+    if (log_N >= EVEN_PARALLEL_FROM) {
+#pragma omp parallel
+        five_passes<D, Scaled>(x, y, m, factor, true);
+    } else {
+        five_passes<D, Scaled>(x, y, m, factor, false);
+    }
+}
+
+template <Direction D, bool Scaled>
+void odd_transform(int log_N, complex_t* x, complex_t* y, const complex_t* W1, const matrix& m, double factor)
+{
+    const long Q = (1L << log_N) / 8;
+    if (log_N >= ODD_BLOCKS_ON_CALLER_FROM) {
+#pragma omp parallel
+        radix8_step<D, Scaled>(x, y, W1, Q, factor, true);
+        // Deliberately outside any region: each sub-transform's shared
+        // loops then run whole on this thread.
+        for (int block = 0; block < 8; ++block) {
+            five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, true);
+        }
+#pragma omp parallel
+        interleave(x, y, Q, true);
+    } else if (log_N >= ODD_PARALLEL_FROM) {
+#pragma omp parallel
+        {
+            radix8_step<D, Scaled>(x, y, W1, Q, factor, true);
+            // At most eight threads are busy here: one block each.
+            const work_share blocks = my_share(8);
+            for (long block = blocks.begin; block < blocks.end; ++block) {
+                five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, false);
+            }
+#pragma omp barrier
+            interleave(x, y, Q, true);
+        }
+    } else {
+        radix8_step<D, Scaled>(x, y, W1, Q, factor, false);
+        for (int block = 0; block < 8; ++block) {
+            five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, false);
+        }
+        interleave(x, y, Q, false);
+    }
+}
+
+} // namespace
+
+void FFT0::clear_views()
+{
+    m_first = nullptr;
+    m_tile_twiddles = nullptr;
+    m_rows = nullptr;
+    m_tiles = nullptr;
+}
+
+void FFT0::setup(int n)
+{
+    clear_views();
+    int l = 0;
+    for (int rest = n; rest >= 2; rest /= 2) {
+        ++l;
+    }
+    setup_log2(l);
+}
+
+// The tile list and the four twiddles of every tile for an n by n matrix.
+void FFT0::make_tiles(int n)
+{
+    const long half = n / 2;
+    const long count = (half + 1) * half / 2;
+    // Four pairs of 16-bit indices fill one complex_t of the block.
+    tile_pair* tiles = reinterpret_cast<tile_pair*>(m_tile_owner.resize(static_cast<std::size_t>((count + 3) / 4)));
+    complex_t* twiddles = m_tile_twiddle_owner.resize(static_cast<std::size_t>(4 * count));
+    const double theta = -TWO_PI / (static_cast<double>(n) * static_cast<double>(n));
+    auto value = [theta](long row, long col) {
+        const double a = static_cast<double>(row) * (static_cast<double>(col) * theta);
+        return complex_t{std::cos(a), std::sin(a)};
+    };
+#pragma omp parallel for schedule(static) if (static_cast<long>(n) * n >= PARALLEL_FILL_FROM)
+    for (long hi = 0; hi < half; ++hi) {
+        const long i = 2 * hi;
+        for (long hj = hi; hj < half; ++hj) {
+            const long j = 2 * hj;
+            const long t = hj + hi * half - ((hi + 1) * hi) / 2;
+            tiles[t] = {static_cast<std::uint16_t>(j), static_cast<std::uint16_t>(i)};
+            twiddles[4 * t + 0] = value(i, j);
+            twiddles[4 * t + 1] = value(i, j + 1);
+            twiddles[4 * t + 2] = value(i + 1, j);
+            twiddles[4 * t + 3] = value(i + 1, j + 1);
+        }
+    }
+    m_tiles = tiles;
+}
+
+void FFT0::setup_log2(int l)
+{
+    clear_views();
+    m_tile_owner.release();
+    m_row_owner.release();
+    m_tile_twiddle_owner.release();
+    m_first_owner.release();
+    log_N = l;
+    N = (l >= 0 && l <= 30) ? 1 << l : 0;
+    if (l < 1 || l > 24) {
+        return;
+    }
+
+    auto make_row_table = [this](int row_size) {
+        if (row_size >= 9) {
+            complex_t* rows = m_row_owner.resize(2 * static_cast<std::size_t>(row_size));
+            init_twiddles_long(8, row_size, rows);
+            m_rows = rows;
+        }
+    };
+
+    if (l <= DIRECT_LOG_N_MAX) {
+        make_row_table(N);
+        m_first = m_rows;
+        return;
+    }
+    if (l % 2 == 0) {
+        const int n = 1 << (l / 2);
+        make_tiles(n);
+        m_first = m_tile_twiddle_owner.data();
+        make_row_table(n);
+        return;
+    }
+    const long eighth = N / 8;
+    complex_t* W1 = m_first_owner.resize(static_cast<std::size_t>(eighth));
+    const double theta1 = -TWO_PI / N;
+#pragma omp parallel for schedule(static) if (eighth >= PARALLEL_FILL_FROM)
+    for (long p = 0; p < eighth; ++p) {
+        const double a = static_cast<double>(p) * theta1;
+        W1[p] = {std::cos(a), std::sin(a)};
+    }
+    m_first = W1;
+    const int n = 1 << (l / 2 - 1);
+    make_tiles(n);
+    // The odd form keeps its tile twiddles in their own view, the first
+    // being the odd step's table; the block's owner is the tile one.
+    m_tile_twiddles = m_tile_twiddle_owner.data();
+    make_row_table(n);
+}
+
+void FFT0::run(bool inverse, Scaling scaling, complex_t* x, complex_t* y) const
+{
+    if (log_N < 1 || log_N > 24) {
+        return;
+    }
+    if (log_N <= DIRECT_LOG_N_MAX) {
+        using namespace ZFFT_AVXDIF8;
+        if (!inverse) {
+            scaling == Scaling::none    ? forward_raw_single(log_N, x, y, m_first)
+            : scaling == Scaling::by_n ? forward_single(log_N, x, y, m_first)
+                                        : forward_unitary_single(log_N, x, y, m_first);
+        } else {
+            scaling == Scaling::none    ? inverse_single(log_N, x, y, m_first)
+            : scaling == Scaling::by_n ? inverse_norm_single(log_N, x, y, m_first)
+                                        : inverse_unitary_single(log_N, x, y, m_first);
+        }
+        return;
+    }
+
+    const double factor = scaling == Scaling::by_n ? 1.0 / static_cast<double>(N)
+                                                   : std::sqrt(1.0 / static_cast<double>(N));
+    const bool odd = log_N % 2 != 0;
+    const int log_n = odd ? log_N / 2 - 1 : log_N / 2;
+    const long n = 1L << log_n;
+    const matrix m{n, log_n, m_tiles, (n / 2 + 1) * (n / 2) / 2, odd ? m_tile_twiddles : m_first, m_rows};
+
+    auto go = [&]<Direction D, bool Scaled>() {
+        if (odd) {
+            odd_transform<D, Scaled>(log_N, x, y, m_first, m, factor);
+        } else {
+            even_transform<D, Scaled>(log_N, x, y, m, factor);
+        }
+    };
+    if (inverse) {
+        if (scaling == Scaling::none) {
+            go.template operator()<Direction::inverse, false>();
+        } else {
+            go.template operator()<Direction::inverse, true>();
+        }
+    } else if (scaling == Scaling::none) {
+        go.template operator()<Direction::forward, false>();
+    } else {
+        go.template operator()<Direction::forward, true>();
+    }
+}
+
+void FFT0::forward(complex_t* x, complex_t* y)
+{
+    run(false, Scaling::by_n, x, y);
+}
+
+void FFT0::forward_raw(complex_t* x, complex_t* y)
+{
+    run(false, Scaling::none, x, y);
+}
+
+void FFT0::forward_unitary(complex_t* x, complex_t* y)
+{
+    run(false, Scaling::by_sqrt_n, x, y);
+}
+
+void FFT0::inverse(complex_t* x, complex_t* y)
+{
+    run(true, Scaling::none, x, y);
+}
+
+void FFT0::inverse_unitary(complex_t* x, complex_t* y)
+{
+    run(true, Scaling::by_sqrt_n, x, y);
+}
+
+void FFT0::inverse_norm(complex_t* x, complex_t* y)
+{
+    run(true, Scaling::by_n, x, y);
+}
+
+} // namespace ZFFT_SixStep
+} // namespace ZFFT_VARIANT
