@@ -7,6 +7,7 @@
 
 #include "zlr_fuzz_harness.h"
 
+#include <cstdio>
 #include <string>
 
 namespace zlr::fuzz {
@@ -30,7 +31,11 @@ void expectFixedPoint(const Telegram& first, Parse parse, Write write, bool stri
     const std::string twice = write(second);
     Telegram third;
     expect(parse(third, twice), "the second written text reads");
-    expect(write(third) == twice, "writing is stable");
+    const std::string thrice = write(third);
+    if (thrice != twice) {
+        std::fprintf(stderr, "second text:\n%s\nthird text:\n%s\n", twice.c_str(), thrice.c_str());
+    }
+    expect(thrice == twice, "writing is stable");
 }
 
 } // namespace zlr::fuzz

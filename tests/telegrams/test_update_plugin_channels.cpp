@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <set>
 #include <stdexcept>
@@ -16,6 +17,14 @@ zlr::PluginChannelInfo channel(std::uint32_t id, std::uint32_t parent = zlr::NO_
     zlr::PluginChannelInfo info;
     info.m_local_id = id;
     info.m_local_parent_id = parent;
+    return info;
+}
+
+// A timebase whose offset compares unequal to itself.
+zlr::PluginChannelInfo nanOffsetChannel(std::uint32_t id, std::uint32_t parent)
+{
+    zlr::PluginChannelInfo info = channel(id, parent);
+    info.m_timebase = {zlr::Timebase::TYPE_WITH_OFFSET, 10.0, std::nan("")};
     return info;
 }
 
@@ -47,6 +56,7 @@ TEST(UpdatePluginChannels, ParentFirstOrder)
         {{}, {}, false},
         {{channel(3, 1), channel(1, 0), channel(0), channel(5)}, {0, 5, 1, 3}, false},
         {{channel(2, 0), channel(1, 0), channel(0)}, {0, 2, 1}, false},
+        {{nanOffsetChannel(2, 1), nanOffsetChannel(1, 0), channel(0)}, {0, 1, 2}, false},
         {{channel(4, 7)}, {}, true},
         {{channel(0), channel(1, 2), channel(2, 1)}, {}, true},
         {{channel(1, 1)}, {}, true},

@@ -11,11 +11,6 @@ namespace {
 
 constexpr const char* CYCLE_TEXT = "Cyclic dependency between channels detected";
 
-bool contains(const std::vector<PluginChannelInfo>& list, const PluginChannelInfo& channel)
-{
-    return std::find(list.begin(), list.end(), channel) != list.end();
-}
-
 bool hasChannel(const std::vector<PluginChannelInfo>& list, std::uint32_t local_id)
 {
     return std::any_of(list.begin(), list.end(), [local_id](const PluginChannelInfo& channel) {
@@ -125,17 +120,24 @@ bool readChannel(pugi::xml_node element, PluginChannelInfo& channel)
 
 std::vector<PluginChannelInfo> sortParentFirst(const std::vector<PluginChannelInfo>& channels)
 {
+    // A channel joins once. Whether it has joined is kept per position rather
+    // than found by comparing values: a timebase offset that is NaN compares
+    // unequal to itself, and such a channel would otherwise join every round.
+    std::vector<bool> joined(channels.size(), false);
     std::vector<PluginChannelInfo> sorted;
     sorted.reserve(channels.size());
     while (sorted.size() < channels.size()) {
         const std::vector<PluginChannelInfo> snapshot = sorted;
-        for (const PluginChannelInfo& channel : channels) {
-            if (contains(snapshot, channel)) {
+        const std::vector<bool> joined_before = joined;
+        for (std::size_t i = 0; i < channels.size(); ++i) {
+            const PluginChannelInfo& channel = channels[i];
+            if (joined_before[i]) {
                 continue;
             }
             if (channel.m_local_parent_id == NO_LOCAL_ID ||
                 hasChannel(snapshot, channel.m_local_parent_id)) {
                 sorted.push_back(channel);
+                joined[i] = true;
             }
         }
         if (sorted.size() == snapshot.size()) {
