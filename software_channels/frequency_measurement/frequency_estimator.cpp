@@ -1,6 +1,8 @@
 #include "frequency_estimator.h"
 
+#include <algorithm>
 #include <cmath>
+#include <emmintrin.h>
 #include <limits>
 
 namespace frequency_measurement {
@@ -29,9 +31,59 @@ complex_t half_exp_i(double angle)
     return {0.5 * e.re, 0.5 * e.im};
 }
 
+// The powers |X[j]|^2 = re^2 + im^2 of X[j] and X[j+1], in that order.
+__m128d powers_of_pair(const complex_t* X, std::uint64_t j)
+{
+    const __m128d a = _mm_loadu_pd(&X[j].re);
+    const __m128d b = _mm_loadu_pd(&X[j + 1].re);
+    const __m128d sa = _mm_mul_pd(a, a);
+    const __m128d sb = _mm_mul_pd(b, b);
+    return _mm_add_pd(_mm_unpacklo_pd(sa, sb), _mm_unpackhi_pd(sa, sb));
+}
+
 double power(complex_t v)
 {
     return v.re * v.re + v.im * v.im;
+}
+
+// The first j in [1, limit) whose power is strictly greater than that of
+// every j before it and than 0.0, or 1 when there is none: the strongest
+// bin, the first of equal peaks, never a NaN. Done in two vector passes
+// (the largest power, then its first position) instead of one pass whose
+// every step waits for the last comparison; the powers are the same bits
+// in both passes, so the answer is that of the plain scan.
+std::uint64_t strongest_bin(const complex_t* X, std::uint64_t limit)
+{
+    // max(p, best) keeps best when p is NaN.
+    __m128d best2 = _mm_setzero_pd();
+    std::uint64_t j = 1;
+    for (; j + 1 < limit; j += 2) {
+        best2 = _mm_max_pd(powers_of_pair(X, j), best2);
+    }
+    double best = std::max(_mm_cvtsd_f64(best2), _mm_cvtsd_f64(_mm_unpackhi_pd(best2, best2)));
+    for (; j < limit; ++j) {
+        const double p = power(X[j]);
+        if (p > best) {
+            best = p;
+        }
+    }
+    if (!(best > 0.0)) {
+        return 1;
+    }
+    const __m128d wanted = _mm_set1_pd(best);
+    j = 1;
+    for (; j + 1 < limit; j += 2) {
+        const int hits = _mm_movemask_pd(_mm_cmpeq_pd(powers_of_pair(X, j), wanted));
+        if (hits != 0) {
+            return (hits & 1) ? j : j + 1;
+        }
+    }
+    for (; j < limit; ++j) {
+        if (power(X[j]) == best) {
+            return j;
+        }
+    }
+    return 1;
 }
 
 } // namespace
@@ -77,15 +129,7 @@ double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples,
 
     // Bin 0 is never a candidate; the first of equal peaks wins, and a NaN
     // power never wins.
-    double best = 0.0;
-    std::uint64_t k = 1;
-    for (std::uint64_t j = 1; j < limit; ++j) {
-        const double p = power(X[j]);
-        if (p > best) {
-            best = p;
-            k = j;
-        }
-    }
+    const std::uint64_t k = strongest_bin(X, limit);
     // The mirror keeps the peak in the lower half, so X[k+1] exists; a
     // spectrum that broke that would otherwise be read past its end.
     if (k + 1 >= n) {
@@ -93,8 +137,10 @@ double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples,
     }
 
     const double omega = TWO_PI / static_cast<double>(n);
-    const complex_t a = half_exp_i(-omega);
+    // exp(-i omega) is the conjugate of exp(i omega) to the last bit (the
+    // cosine is even, the sine odd), so one evaluation serves a and b.
     const complex_t b = half_exp_i(omega);
+    const complex_t a{b.re, -b.im};
 
     // Spectrum at bin k, under a periodic Hann window, of the signal
     // advanced by one sample ...

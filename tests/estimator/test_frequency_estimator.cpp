@@ -23,6 +23,13 @@ std::vector<double> sine(std::size_t n, double frequency, double rate, double ph
     return x;
 }
 
+std::vector<double> impulse(std::size_t n)
+{
+    std::vector<double> x(n, 0.0);
+    x[0] = 1.0;
+    return x;
+}
+
 std::vector<double> plus(std::vector<double> a, const std::vector<double>& b)
 {
     for (std::size_t i = 0; i < a.size(); ++i) {
@@ -52,6 +59,9 @@ TEST(FrequencyEstimator, KnownSignalsGiveTheirFrequencies)
          bin1, 0.05},
         // A limit more than half a bin below 250 Hz still rounds bin 64 in.
         {"limit rounds to the bin above", sine(256, 250.0, rate, 0.3), 250.0 - 0.4 * bin1, 250.0, 1e-9},
+        // An impulse has a flat spectrum, every bin of power exactly 1: the
+        // first of the equal peaks, bin 1, gives the estimate.
+        {"flat spectrum, first peak wins", impulse(256), 500.0, bin1, 1e-9},
         // A window with no component at all: both phases are atan2(0, 0).
         {"all zero", std::vector<double>(256, 0.0), 500.0, 0.0, 0.0},
         // A constant is not removed, but bin 0 is no candidate: the estimate
