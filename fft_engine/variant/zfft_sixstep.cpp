@@ -6,7 +6,6 @@
 #include "zfft_work_share.h"
 
 #include <cmath>
-#include <utility>
 
 namespace ZFFT_VARIANT {
 namespace ZFFT_SixStep {
@@ -46,9 +45,28 @@ void end_of_pass(bool shared)
     }
 }
 
-complex_t& at(complex_t* x, long n, long row, long col)
+// The 2 by 2 tile at (row, col): its two rows, each two neighbouring
+// elements in one vector.
+struct tile2 {
+    cvec2 top;
+    cvec2 bottom;
+};
+
+tile2 load_tile(const complex_t* x, long n, long row, long col)
 {
-    return x[row * n + col];
+    return {cvec2::load(x + row * n + col), cvec2::load(x + (row + 1) * n + col)};
+}
+
+void store_tile(complex_t* x, long n, long row, long col, const tile2& t)
+{
+    t.top.store(x + row * n + col);
+    t.bottom.store(x + (row + 1) * n + col);
+}
+
+// Columns become rows: ((a, b), (c, d)) -> ((a, c), (b, d)).
+tile2 turned(const tile2& t)
+{
+    return {cvec2::combine(t.top.lo(), t.bottom.lo()), cvec2::combine(t.top.hi(), t.bottom.hi())};
 }
 
 // Steps 1 and 5: the matrix turned in place, one pair of tiles at a time.
@@ -60,65 +78,48 @@ void transpose(complex_t* x, const matrix& m, bool shared)
         const long i = m.tiles[t].i;
         const long j = m.tiles[t].j;
         if (i != j) {
-            std::swap(at(x, n, i, j), at(x, n, j, i));
-            std::swap(at(x, n, i, j + 1), at(x, n, j + 1, i));
-            std::swap(at(x, n, i + 1, j), at(x, n, j, i + 1));
-            std::swap(at(x, n, i + 1, j + 1), at(x, n, j + 1, i + 1));
+            const tile2 upper = load_tile(x, n, i, j);
+            const tile2 lower = load_tile(x, n, j, i);
+            store_tile(x, n, j, i, turned(upper));
+            store_tile(x, n, i, j, turned(lower));
         } else {
-            std::swap(at(x, n, i, i + 1), at(x, n, i + 1, i));
+            store_tile(x, n, i, i, turned(load_tile(x, n, i, i)));
         }
     }
     end_of_pass(shared);
 }
 
 // Step 3: element (r, c) times exp(i r c theta), moved to (c, r). The four
-// values of a tile serve its mirror tile too, since r c is symmetric.
+// values of a tile serve its mirror tile too, since r c is symmetric: with
+// w = ((w00, w01), (w10, w11)) for the upper tile, the turned upper tile
+// takes the turned w, the turned lower tile w as it stands.
 template <Direction D, bool Scaled>
 void twiddle_transpose(complex_t* x, const matrix& m, double factor, bool shared)
 {
     const long n = m.n;
-    auto twiddled = [factor](cvec1 w, const complex_t& v) {
-        cvec1 value = cvec1::load(&v);
+    auto prepared = [factor](const tile2& t) {
         if constexpr (Scaled) {
-            value = scale(value, factor);
+            return tile2{scale(t.top, factor), scale(t.bottom, factor)};
+        } else {
+            (void)factor;
+            return t;
         }
-        return mul(w, value);
     };
+    auto times = [](const tile2& w, const tile2& t) { return tile2{mul(w.top, t.top), mul(w.bottom, t.bottom)}; };
     const work_share share = part(m.tile_count, shared);
     for (long t = share.begin; t < share.end; ++t) {
         const long i = m.tiles[t].i;
         const long j = m.tiles[t].j;
-        const complex_t* w = m.twiddles + 4 * t;
-        const cvec1 w00 = twiddle<D>(cvec1::load(w));     // (i, j)
-        const cvec1 w01 = twiddle<D>(cvec1::load(w + 1)); // (i, j+1)
-        const cvec1 w10 = twiddle<D>(cvec1::load(w + 2)); // (i+1, j)
-        const cvec1 w11 = twiddle<D>(cvec1::load(w + 3)); // (i+1, j+1)
+        const complex_t* wt = m.twiddles + 4 * t;
+        const tile2 w{twiddle<D>(cvec2::load(wt)), twiddle<D>(cvec2::load(wt + 2))};
+        const tile2 w_turned = turned(w);
+        const tile2 upper = turned(prepared(load_tile(x, n, i, j)));
         if (i != j) {
-            const cvec1 a00 = twiddled(w00, at(x, n, i, j));
-            const cvec1 a01 = twiddled(w01, at(x, n, i, j + 1));
-            const cvec1 a10 = twiddled(w10, at(x, n, i + 1, j));
-            const cvec1 a11 = twiddled(w11, at(x, n, i + 1, j + 1));
-            const cvec1 b00 = twiddled(w00, at(x, n, j, i));
-            const cvec1 b01 = twiddled(w10, at(x, n, j, i + 1));
-            const cvec1 b10 = twiddled(w01, at(x, n, j + 1, i));
-            const cvec1 b11 = twiddled(w11, at(x, n, j + 1, i + 1));
-            a00.store(&at(x, n, j, i));
-            a01.store(&at(x, n, j + 1, i));
-            a10.store(&at(x, n, j, i + 1));
-            a11.store(&at(x, n, j + 1, i + 1));
-            b00.store(&at(x, n, i, j));
-            b01.store(&at(x, n, i + 1, j));
-            b10.store(&at(x, n, i, j + 1));
-            b11.store(&at(x, n, i + 1, j + 1));
+            const tile2 lower = turned(prepared(load_tile(x, n, j, i)));
+            store_tile(x, n, j, i, times(w_turned, upper));
+            store_tile(x, n, i, j, times(w, lower));
         } else {
-            const cvec1 d00 = twiddled(w00, at(x, n, i, i));
-            const cvec1 d01 = twiddled(w01, at(x, n, i, i + 1));
-            const cvec1 d10 = twiddled(w10, at(x, n, i + 1, i));
-            const cvec1 d11 = twiddled(w11, at(x, n, i + 1, i + 1));
-            d00.store(&at(x, n, i, i));
-            d01.store(&at(x, n, i + 1, i));
-            d10.store(&at(x, n, i, i + 1));
-            d11.store(&at(x, n, i + 1, i + 1));
+            store_tile(x, n, i, i, times(w_turned, upper));
         }
     }
     end_of_pass(shared);
