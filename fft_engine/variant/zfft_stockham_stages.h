@@ -32,7 +32,7 @@ enum class Form { single, parallel };
 // The twiddles w_1 .. w_{r-1} of angle index s p, the same for all q and
 // broadcast over the lanes of V.
 template <int R, int N, int s, Direction D, Form F, class V>
-inline void broadcast_twiddles(const complex_t* W, int p, V (&w)[R])
+[[gnu::always_inline]] inline void broadcast_twiddles(const complex_t* W, int p, V (&w)[R])
 {
     if constexpr (F == Form::single) {
         const complex_t* powers = W + N + s * p * R;
@@ -56,7 +56,7 @@ inline void broadcast_twiddles(const complex_t* W, int p, V (&w)[R])
 // The twiddles of the stride-1 stage for the two neighbouring angle indices
 // p and p + 1, one in each lane.
 template <int R, int N, Direction D, Form F>
-inline void pair_twiddles(const complex_t* W, int p, cvec2 (&w)[R])
+[[gnu::always_inline]] inline void pair_twiddles(const complex_t* W, int p, cvec2 (&w)[R])
 {
     constexpr int m = N / R;
     if constexpr (F == Form::single) {
@@ -80,7 +80,7 @@ inline void pair_twiddles(const complex_t* W, int p, cvec2 (&w)[R])
 // of p and of p + 1 are R entries apart, so pairs of outputs are regrouped
 // by a lane exchange before they are stored.
 template <int R, int n, Direction D, Form F>
-inline void dif_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
+[[gnu::always_inline]] inline void dif_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
 {
     constexpr int m = n / R;
     cvec2 a[R], b[R], w[R];
@@ -100,7 +100,7 @@ inline void dif_pair(const complex_t* in, complex_t* out, const complex_t* W, in
 
 // Decimation in time, stride 1: the mirror of dif_pair.
 template <int R, int n, Direction D, Form F>
-inline void dit_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
+[[gnu::always_inline]] inline void dit_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
 {
     constexpr int m = n / R;
     cvec2 a[R], b[R], w[R];
@@ -122,7 +122,7 @@ inline void dit_pair(const complex_t* in, complex_t* out, const complex_t* W, in
 
 // Decimation in frequency at stride s >= 4: a group of neighbouring q.
 template <int R, int n, int s, Direction D, class V>
-inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
+[[gnu::always_inline]] inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
 {
     constexpr int m = n / R;
     V a[R], b[R];
@@ -137,7 +137,7 @@ inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int 
 }
 
 template <int R, int n, int s, Direction D, class V>
-inline void dit_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
+[[gnu::always_inline]] inline void dit_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
 {
     constexpr int m = n / R;
     V a[R], b[R];
@@ -224,7 +224,7 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
 // ------------------------------------------------------- no-twiddle stage ----
 
 template <int R, Direction D, bool Scaled, class V>
-inline void final_group(const complex_t* in, complex_t* out, int stride, int q, double c)
+[[gnu::always_inline]] inline void final_group(const complex_t* in, complex_t* out, int stride, int q, double c)
 {
     V a[R], b[R];
     for (int k = 0; k < R; ++k) {
