@@ -1,7 +1,9 @@
 // zelvar-sim: loads a plug-in the way Zelvar does and plays the host's side.
 #include "plugin_loader.h"
+#include "sim_log_sink.h"
 #include "sim_host.h"
 #include "zlrbase_messages.h"
+#include "zlruni_logger.h"
 
 #include <CLI/CLI.hpp>
 #include <omp.h>
@@ -65,13 +67,20 @@ int main(int argc, char** argv)
     std::string host_name = "Zelvar";
     std::string host_version = "5.6";
     bool show_manifest = false;
+    unsigned log_level = zlr::UniLogSeverityLevel::Failure;
     app.add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
     app.add_option("--host-name", host_name, "the name the host gives itself")
         ->capture_default_str();
     app.add_option("--host-version", host_version, "the version the host reports")
         ->capture_default_str();
     app.add_flag("--manifest", show_manifest, "print the plug-in's whole manifest");
+    app.add_option("--log-level", log_level,
+                   "show the plug-in's log records from this severity on (1 notes, 5 failures, "
+                   "6 errors)")
+        ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
+
+    zelvar_sim::LogSink log_sink(std::cerr, log_level);
 
     zelvar_sim::SimHost host;
     host.setIdentity(host_name, host_version);

@@ -75,7 +75,7 @@ private:
     std::int32_t m_range_index = -1;
     SamplePosition m_current;
     IfStreamIteratorListener* m_listener = nullptr;
-    bool m_reserved_flag = false;
+    [[maybe_unused]] bool m_reserved_flag = false;
     bool m_skip_gaps = true;
     Timebase m_timebase;
 };
