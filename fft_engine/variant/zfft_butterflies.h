@@ -92,6 +92,7 @@ template <Direction D, class V>
 inline void butterfly16(const V (&x)[16], V (&y)[16])
 {
     V even[8], odd[8];
+    #pragma GCC unroll 16
     for (int k = 0; k < 8; ++k) {
         even[k] = x[2 * k];
         odd[k] = x[2 * k + 1];

@@ -27,6 +27,7 @@ inline void powers(cvec1 w1, cvec1 (&w)[R])
 {
     w[0] = w1;
     w[1] = w1;
+    #pragma GCC unroll 16
     for (int k = 2; k < R; ++k) {
         w[k] = mul(w1, w[k - 1]);
     }
@@ -64,11 +65,13 @@ inline void pow2_group(const complex_t* in, complex_t* out, long m, long s, long
 {
     V a[R];
     V b[R];
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         a[k] = V::load(in + q + s * (p + k * m));
     }
     butterfly<R, D>(a, b);
     b[0].store(out + q + s * R * p);
+    #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
         const V v = Final ? b[k] : mul(w[k], b[k]);
         v.store(out + q + s * (R * p + k));
@@ -108,6 +111,7 @@ void pow2_stage(const complex_t* in, complex_t* out, const complex_t* W, long m,
             if constexpr (!Final) {
                 cvec1 w1[R];
                 powers(table_entry<D>(W, s * p), w1);
+                #pragma GCC unroll 16
                 for (int k = 1; k < R; ++k) {
                     w[k] = spread<cvec2>(w1[k]);
                 }
@@ -167,13 +171,16 @@ void radix5_stage(const complex_t* in, complex_t* out, const complex_t* W, long 
         }
         for (; q < s && i < share.end; ++q, ++i) {
             cvec1 a[5];
+            #pragma GCC unroll 16
             for (int k = 0; k < 5; ++k) {
                 a[k] = cvec1::load(in + q + s * (p + k * m));
             }
             const cvec1 y0 = a[0] + a[1] + a[2] + a[3] + a[4];
             y0.store(out + q + s * (5 * p));
+            #pragma GCC unroll 16
             for (int k = 1; k < 5; ++k) {
                 cvec1 sum = a[0];
+                #pragma GCC unroll 16
                 for (int j = 1; j < 5; ++j) {
                     sum = sum + mul(c[(j * k) % 5], a[j]);
                 }

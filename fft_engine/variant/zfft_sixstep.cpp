@@ -162,6 +162,7 @@ void radix8_step(const complex_t* x, complex_t* y, const complex_t* W1, long Q, 
         const long p = 2 * pair;
         cvec2 a[8];
         cvec2 b[8];
+        #pragma GCC unroll 16
         for (int k = 0; k < 8; ++k) {
             a[k] = cvec2::load(x + p + k * Q);
             if constexpr (Scaled) {
@@ -172,6 +173,7 @@ void radix8_step(const complex_t* x, complex_t* y, const complex_t* W1, long Q, 
         const cvec2 w1 = twiddle<D>(cvec2::load(W1 + p));
         cvec2 w = w1;
         b[0].store(y + p);
+        #pragma GCC unroll 16
         for (int k = 1; k < 8; ++k) {
             mul(w, b[k]).store(y + p + k * Q);
             w = mul(w1, w);
@@ -186,6 +188,7 @@ void interleave(complex_t* x, const complex_t* y, long Q, bool shared)
     const work_share share = part(Q / 2, shared);
     for (long pair = share.begin; pair < share.end; ++pair) {
         const long j = 2 * pair;
+        #pragma GCC unroll 16
         for (int k = 0; k < 8; ++k) {
             x[8 * j + k] = y[k * Q + j];
             x[8 * (j + 1) + k] = y[k * Q + j + 1];
@@ -214,6 +217,7 @@ void odd_transform(int log_N, complex_t* x, complex_t* y, const complex_t* W1, c
         radix8_step<D, Scaled>(x, y, W1, Q, factor, true);
         // Deliberately outside any region: each sub-transform's shared
         // loops then run whole on this thread.
+        #pragma GCC unroll 16
         for (int block = 0; block < 8; ++block) {
             five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, true);
         }
@@ -233,6 +237,7 @@ void odd_transform(int log_N, complex_t* x, complex_t* y, const complex_t* W1, c
         }
     } else {
         radix8_step<D, Scaled>(x, y, W1, Q, factor, false);
+        #pragma GCC unroll 16
         for (int block = 0; block < 8; ++block) {
             five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, false);
         }

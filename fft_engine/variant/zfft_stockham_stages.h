@@ -10,6 +10,11 @@
 // twiddle of angle index s p raised to the k-th power, conjugated for the
 // inverse direction.
 //
+// Every loop over the r values of one butterfly is unrolled by pragma: left
+// to itself at -O2, GCC keeps these short loops and with them the arrays of
+// vectors on the stack, which doubles the instructions of a transform. The
+// same holds for the small loops of the six-step and mixed-radix kernels.
+//
 // Kernels of the parallel form contain orphaned worksharing loops: they are
 // called inside one parallel region that covers a whole chain, and the
 // implicit barrier at the end of each loop orders one stage before the next.
@@ -36,6 +41,7 @@ template <int R, int N, int s, Direction D, Form F, class V>
 {
     if constexpr (F == Form::single) {
         const complex_t* powers = W + N + s * p * R;
+        #pragma GCC unroll 16
         for (int k = 1; k < R; ++k) {
             w[k] = twiddle<D>(V::broadcast(powers[k]));
         }
@@ -44,6 +50,7 @@ template <int R, int N, int s, Direction D, Form F, class V>
         const cvec1 w1 = cvec1::load(&first);
         cvec1 wk = w1;
         w[1] = twiddle<D>(V::broadcast(first));
+        #pragma GCC unroll 16
         for (int k = 2; k < R; ++k) {
             wk = mul(w1, wk);
             complex_t c;
@@ -60,6 +67,7 @@ template <int R, int N, Direction D, Form F>
 {
     constexpr int m = N / R;
     if constexpr (F == Form::single) {
+        #pragma GCC unroll 16
         for (int k = 1; k < R; ++k) {
             w[k] = twiddle<D>(cvec2::load(W + (k - 1) * m + p));
         }
@@ -67,6 +75,7 @@ template <int R, int N, Direction D, Form F>
         const cvec2 w1 = cvec2::load(W + p);
         w[1] = twiddle<D>(w1);
         cvec2 wk = w1;
+        #pragma GCC unroll 16
         for (int k = 2; k < R; ++k) {
             wk = mul(w1, wk);
             w[k] = twiddle<D>(wk);
@@ -84,14 +93,17 @@ template <int R, int n, Direction D, Form F>
 {
     constexpr int m = n / R;
     cvec2 a[R], b[R], w[R];
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         a[k] = cvec2::load(in + p + k * m);
     }
     radix_butterfly<R, D>(a, b);
     pair_twiddles<R, n, D, F>(W, p, w);
+    #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
         b[k] = mul(w[k], b[k]);
     }
+    #pragma GCC unroll 16
     for (int k = 0; k < R; k += 2) {
         interleave_lo(b[k], b[k + 1]).store(out + R * p + k);
         interleave_hi(b[k], b[k + 1]).store(out + R * (p + 1) + k);
@@ -104,6 +116,7 @@ template <int R, int n, Direction D, Form F>
 {
     constexpr int m = n / R;
     cvec2 a[R], b[R], w[R];
+    #pragma GCC unroll 16
     for (int k = 0; k < R; k += 2) {
         const cvec2 first = cvec2::load(in + R * p + k);
         const cvec2 second = cvec2::load(in + R * (p + 1) + k);
@@ -111,10 +124,12 @@ template <int R, int n, Direction D, Form F>
         a[k + 1] = interleave_hi(first, second);
     }
     pair_twiddles<R, n, D, F>(W, p, w);
+    #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
         a[k] = mul(w[k], a[k]);
     }
     radix_butterfly<R, D>(a, b);
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         b[k].store(out + p + k * m);
     }
@@ -126,11 +141,13 @@ template <int R, int n, int s, Direction D, class V>
 {
     constexpr int m = n / R;
     V a[R], b[R];
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         a[k] = V::load(in + q + s * (p + k * m));
     }
     radix_butterfly<R, D>(a, b);
     b[0].store(out + q + s * (R * p));
+    #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
         mul(w[k], b[k]).store(out + q + s * (R * p + k));
     }
@@ -142,10 +159,12 @@ template <int R, int n, int s, Direction D, class V>
     constexpr int m = n / R;
     V a[R], b[R];
     a[0] = V::load(in + q + s * (R * p));
+    #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
         a[k] = mul(w[k], V::load(in + q + s * (R * p + k)));
     }
     radix_butterfly<R, D>(a, b);
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         b[k].store(out + q + s * (p + k * m));
     }
@@ -227,6 +246,7 @@ template <int R, Direction D, bool Scaled, class V>
 [[gnu::always_inline]] inline void final_group(const complex_t* in, complex_t* out, int stride, int q, double c)
 {
     V a[R], b[R];
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         a[k] = V::load(in + q + stride * k);
         if constexpr (Scaled) {
@@ -234,6 +254,7 @@ template <int R, Direction D, bool Scaled, class V>
         }
     }
     radix_butterfly<R, D>(a, b);
+    #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         b[k].store(out + q + stride * k);
     }
