@@ -20,7 +20,7 @@ inline void butterfly2(V a, V b, V& out0, V& out1)
 
 // The radix-4 butterfly: x[0..3] in, y[0..3] out.
 template <Direction D, class V>
-inline void butterfly4(const V (&x)[4], V (&y)[4])
+[[gnu::always_inline]] inline void butterfly4(const V (&x)[4], V (&y)[4])
 {
     const V apc = x[0] + x[2];
     const V amc = x[0] - x[2];
@@ -39,7 +39,7 @@ inline void butterfly4(const V (&x)[4], V (&y)[4])
 
 // The radix-8 butterfly: x[0..7] in, y[0..7] out.
 template <Direction D, class V>
-inline void butterfly8(const V (&x)[8], V (&y)[8])
+[[gnu::always_inline]] inline void butterfly8(const V (&x)[8], V (&y)[8])
 {
     const V a04 = x[0] + x[4];
     const V s04 = x[0] - x[4];
@@ -80,7 +80,7 @@ inline void butterfly8(const V (&x)[8], V (&y)[8])
 
 // z times the constant (re + i im), formed from its two real parts.
 template <class V>
-inline V mul_const(V z, double re, double im)
+[[gnu::always_inline]] inline V mul_const(V z, double re, double im)
 {
     return scale(z, re) + scale(mul_j(z), im);
 }
@@ -89,7 +89,7 @@ inline V mul_const(V z, double re, double im)
 // inputs, joined by the sixteenth roots of unity w16^k = exp(-+2 pi i k / 16).
 // The roots are applied through their real parts, never read from a table.
 template <Direction D, class V>
-inline void butterfly16(const V (&x)[16], V (&y)[16])
+[[gnu::always_inline]] inline void butterfly16(const V (&x)[16], V (&y)[16])
 {
     V even[8], odd[8];
     #pragma GCC unroll 16
@@ -141,7 +141,7 @@ inline void butterfly16(const V (&x)[16], V (&y)[16])
 
 // The butterfly of radix r, r in 2, 4, 8, 16.
 template <int R, Direction D, class V>
-inline void radix_butterfly(const V (&x)[R], V (&y)[R])
+[[gnu::always_inline]] inline void radix_butterfly(const V (&x)[R], V (&y)[R])
 {
     if constexpr (R == 2) {
         butterfly2(x[0], x[1], y[0], y[1]);

@@ -22,6 +22,7 @@
 
 #include "zfft_butterflies.h"
 
+#include <cstddef>
 #include <type_traits>
 
 namespace ZFFT_VARIANT {
@@ -92,10 +93,12 @@ template <int R, int n, Direction D, Form F>
 [[gnu::always_inline]] inline void dif_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
 {
     constexpr int m = n / R;
+    const complex_t* source = in + p;
+    complex_t* target = out + std::ptrdiff_t{R} * p;
     cvec2 a[R], b[R], w[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
-        a[k] = cvec2::load(in + p + k * m);
+        a[k] = cvec2::load(source + k * m);
     }
     radix_butterfly<R, D>(a, b);
     pair_twiddles<R, n, D, F>(W, p, w);
@@ -105,8 +108,8 @@ template <int R, int n, Direction D, Form F>
     }
     #pragma GCC unroll 16
     for (int k = 0; k < R; k += 2) {
-        interleave_lo(b[k], b[k + 1]).store(out + R * p + k);
-        interleave_hi(b[k], b[k + 1]).store(out + R * (p + 1) + k);
+        interleave_lo(b[k], b[k + 1]).store(target + k);
+        interleave_hi(b[k], b[k + 1]).store(target + R + k);
     }
 }
 
@@ -115,11 +118,13 @@ template <int R, int n, Direction D, Form F>
 [[gnu::always_inline]] inline void dit_pair(const complex_t* in, complex_t* out, const complex_t* W, int p)
 {
     constexpr int m = n / R;
+    const complex_t* source = in + std::ptrdiff_t{R} * p;
+    complex_t* target = out + p;
     cvec2 a[R], b[R], w[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; k += 2) {
-        const cvec2 first = cvec2::load(in + R * p + k);
-        const cvec2 second = cvec2::load(in + R * (p + 1) + k);
+        const cvec2 first = cvec2::load(source + k);
+        const cvec2 second = cvec2::load(source + R + k);
         a[k] = interleave_lo(first, second);
         a[k + 1] = interleave_hi(first, second);
     }
@@ -131,7 +136,7 @@ template <int R, int n, Direction D, Form F>
     radix_butterfly<R, D>(a, b);
     #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
-        b[k].store(out + p + k * m);
+        b[k].store(target + k * m);
     }
 }
 
@@ -140,16 +145,18 @@ template <int R, int n, int s, Direction D, class V>
 [[gnu::always_inline]] inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
 {
     constexpr int m = n / R;
+    const complex_t* source = in + q + std::ptrdiff_t{s} * p;
+    complex_t* target = out + q + std::ptrdiff_t{s} * R * p;
     V a[R], b[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
-        a[k] = V::load(in + q + s * (p + k * m));
+        a[k] = V::load(source + s * k * m);
     }
     radix_butterfly<R, D>(a, b);
-    b[0].store(out + q + s * (R * p));
+    b[0].store(target);
     #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
-        mul(w[k], b[k]).store(out + q + s * (R * p + k));
+        mul(w[k], b[k]).store(target + s * k);
     }
 }
 
@@ -157,26 +164,28 @@ template <int R, int n, int s, Direction D, class V>
 [[gnu::always_inline]] inline void dit_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
 {
     constexpr int m = n / R;
+    const complex_t* source = in + q + std::ptrdiff_t{s} * R * p;
+    complex_t* target = out + q + std::ptrdiff_t{s} * p;
     V a[R], b[R];
-    a[0] = V::load(in + q + s * (R * p));
+    a[0] = V::load(source);
     #pragma GCC unroll 16
     for (int k = 1; k < R; ++k) {
-        a[k] = mul(w[k], V::load(in + q + s * (R * p + k)));
+        a[k] = mul(w[k], V::load(source + s * k));
     }
     radix_butterfly<R, D>(a, b);
     #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
-        b[k].store(out + q + s * (p + k * m));
+        b[k].store(target + s * k * m);
     }
 }
 
-// The vector over q of the strided stages: four q, but two in radix 16,
-// whose sixteen inputs would not fit the registers four wide.
+// The vector over q of the strided stages: four q, but two in radix 8 and
+// 16, whose eight or sixteen inputs would not fit the registers four wide.
 template <int R>
-using strided_vector = std::conditional_t<R == 16, cvec2, cvec4>;
+using strided_vector = std::conditional_t<R >= 8, cvec2, cvec4>;
 
 template <int R>
-constexpr int strided_width = R == 16 ? 2 : 4;
+constexpr int strided_width = R >= 8 ? 2 : 4;
 
 // --------------------------------------------------------- twiddled stage ----
 
@@ -227,13 +236,18 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
             }
         } else {
             // One index per group of q; p and q follow from it by shifts,
-            // since groups_per_p is a power of two.
+            // since groups_per_p is a power of two. A thread's share of
+            // indices is contiguous, so its twiddles change only with p.
+            V w[R]{};
+            int twiddles_of = -1;
 #pragma omp for schedule(static)
             for (int g = 0; g < m * groups_per_p; ++g) {
                 const int p = g / groups_per_p;
                 const int q = (g % groups_per_p) * width;
-                V w[R];
-                broadcast_twiddles<R, N, s, D, F>(W, p, w);
+                if (p != twiddles_of) {
+                    broadcast_twiddles<R, N, s, D, F>(W, p, w);
+                    twiddles_of = p;
+                }
                 body(w, p, q);
             }
         }
