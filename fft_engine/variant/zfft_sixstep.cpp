@@ -26,7 +26,6 @@ struct matrix {
     long n;
     int log_n;
     const tile_pair* tiles;
-    long tile_count;
     const complex_t* twiddles; // four per tile
     const complex_t* rows;     // long radix-8 table of the row size
 };
@@ -69,14 +68,51 @@ tile2 turned(const tile2& t)
     return {cvec2::combine(t.top.lo(), t.bottom.lo()), cvec2::combine(t.top.hi(), t.bottom.hi())};
 }
 
+// Tiles are visited in blocks of TILE_BLOCK by TILE_BLOCK tiles, each block
+// with its mirror block. The list order would walk the lower tiles down a
+// whole column, half a cache line each, at a row stride that is a power of
+// two and so keeps meeting the same cache sets; within a block both sides
+// use whole lines before the walk moves on. Every tile is still visited
+// once, so the result does not depend on the order.
+constexpr long TILE_BLOCK = 4;
+
+// Calls visit(t, i, j) for every tile t of the list, the calling thread's
+// share of the blocks when `shared`.
+template <class Visit>
+void for_each_tile(const matrix& m, bool shared, Visit visit)
+{
+    const long half = m.n / 2;
+    const long block = half < TILE_BLOCK ? half : TILE_BLOCK;
+    const long blocks = half / block;
+    const work_share share = part(blocks * (blocks + 1) / 2, shared);
+    // The share's first block pair (bi, bj), bi <= bj, in row order.
+    long bi = 0;
+    long first = share.begin;
+    while (first >= blocks - bi) {
+        first -= blocks - bi;
+        ++bi;
+    }
+    long bj = bi + first;
+    for (long pair = share.begin; pair < share.end; ++pair) {
+        for (long hi = bi * block; hi < (bi + 1) * block; ++hi) {
+            const long row_start = hi * half - ((hi + 1) * hi) / 2;
+            for (long hj = hi > bj * block ? hi : bj * block; hj < (bj + 1) * block; ++hj) {
+                const long t = hj + row_start;
+                visit(t, long{m.tiles[t].i}, long{m.tiles[t].j});
+            }
+        }
+        if (++bj == blocks) {
+            ++bi;
+            bj = bi;
+        }
+    }
+}
+
 // Steps 1 and 5: the matrix turned in place, one pair of tiles at a time.
 void transpose(complex_t* x, const matrix& m, bool shared)
 {
     const long n = m.n;
-    const work_share share = part(m.tile_count, shared);
-    for (long t = share.begin; t < share.end; ++t) {
-        const long i = m.tiles[t].i;
-        const long j = m.tiles[t].j;
+    for_each_tile(m, shared, [x, n](long, long i, long j) {
         if (i != j) {
             const tile2 upper = load_tile(x, n, i, j);
             const tile2 lower = load_tile(x, n, j, i);
@@ -85,7 +121,7 @@ void transpose(complex_t* x, const matrix& m, bool shared)
         } else {
             store_tile(x, n, i, i, turned(load_tile(x, n, i, i)));
         }
-    }
+    });
     end_of_pass(shared);
 }
 
@@ -106,10 +142,7 @@ void twiddle_transpose(complex_t* x, const matrix& m, double factor, bool shared
         }
     };
     auto times = [](const tile2& w, const tile2& t) { return tile2{mul(w.top, t.top), mul(w.bottom, t.bottom)}; };
-    const work_share share = part(m.tile_count, shared);
-    for (long t = share.begin; t < share.end; ++t) {
-        const long i = m.tiles[t].i;
-        const long j = m.tiles[t].j;
+    for_each_tile(m, shared, [&](long t, long i, long j) {
         const complex_t* wt = m.twiddles + 4 * t;
         const tile2 w{twiddle<D>(cvec2::load(wt)), twiddle<D>(cvec2::load(wt + 2))};
         const tile2 w_turned = turned(w);
@@ -121,7 +154,7 @@ void twiddle_transpose(complex_t* x, const matrix& m, double factor, bool shared
         } else {
             store_tile(x, n, i, i, times(w_turned, upper));
         }
-    }
+    });
     end_of_pass(shared);
 }
 
@@ -368,7 +401,7 @@ void FFT0::run(bool inverse, Scaling scaling, complex_t* x, complex_t* y) const
     const bool odd = log_N % 2 != 0;
     const int log_n = odd ? log_N / 2 - 1 : log_N / 2;
     const long n = 1L << log_n;
-    const matrix m{n, log_n, m_tiles, (n / 2 + 1) * (n / 2) / 2, odd ? m_tile_twiddles : m_first, m_rows};
+    const matrix m{n, log_n, m_tiles, odd ? m_tile_twiddles : m_first, m_rows};
 
     auto go = [&]<Direction D, bool Scaled>() {
         if (odd) {
