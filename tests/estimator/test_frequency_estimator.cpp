@@ -23,16 +23,9 @@ std::vector<double> sine(std::size_t n, double frequency, double rate, double ph
     return x;
 }
 
-std::vector<double> impulse(std::size_t n)
-{
-    std::vector<double> x(n, 0.0);
-    x[0] = 1.0;
-    return x;
-}
-
 std::vector<double> plus(std::vector<double> a, const std::vector<double>& b)
 {
-    for (std::size_t i = 0; i < a.size(); ++i) {
+    for (std::size_t i = 0; i < b.size(); ++i) {
         a[i] += b[i];
     }
     return a;
@@ -61,7 +54,7 @@ TEST(FrequencyEstimator, KnownSignalsGiveTheirFrequencies)
         {"limit rounds to the bin above", sine(256, 250.0, rate, 0.3), 250.0 - 0.4 * bin1, 250.0, 1e-9},
         // An impulse has a flat spectrum, every bin of power exactly 1: the
         // first of the equal peaks, bin 1, gives the estimate.
-        {"flat spectrum, first peak wins", impulse(256), 500.0, bin1, 1e-9},
+        {"flat spectrum, first peak wins", plus(std::vector<double>(256, 0.0), {1.0}), 500.0, bin1, 1e-9},
         // A window with no component at all: both phases are atan2(0, 0).
         {"all zero", std::vector<double>(256, 0.0), 500.0, 0.0, 0.0},
         // A constant is not removed, but bin 0 is no candidate: the estimate
@@ -71,18 +64,12 @@ TEST(FrequencyEstimator, KnownSignalsGiveTheirFrequencies)
         // Just below Nyquist the peak lands on bin n/2, where the two phases
         // differ by about -pi: the estimate comes out as -rate/2.
         {"near Nyquist", sine(256, 499.0, rate, 0.3), 500.0, -500.0, 1e-6},
-        {"larger window", sine(4096, 1234.5, 10000.0, 2.0), 5000.0, 1234.5, 0.01},
     };
     FrequencyEstimator estimator;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         estimator.prepare(c.x.size());
-        const double rate_used = c.x.size() == 4096 ? 10000.0 : rate;
-        const double got = estimator.estimateFrequency(c.x, rate_used, c.max_frequency);
-        EXPECT_NEAR(got, c.want, c.tolerance);
-        if (c.tolerance == 0.0) {
-            EXPECT_EQ(got, c.want);
-        }
+        EXPECT_NEAR(estimator.estimateFrequency(c.x, rate, c.max_frequency), c.want, c.tolerance);
     }
 }
 

@@ -1,10 +1,8 @@
-// The classes under test, each in every variant the processor has, named
-// the way failures read: "AVX2_DIF8".
+// The Stockham classes under test, each in every variant, named the way
+// failures read: "AVX2_DIF8".
 #pragma once
 
-#include "zfft/zfft_variants.h"
-
-#include <gtest/gtest.h>
+#include "fft_reference.h"
 
 #include <string>
 #include <vector>
@@ -20,9 +18,8 @@ struct ClassCase {
 inline std::vector<ClassCase> stockham_cases()
 {
     const std::pair<ZFFT::Algorithm, int> classes[] = {
-        {ZFFT::Algorithm::DIF4, 8192}, {ZFFT::Algorithm::DIT4, 8192},
-        {ZFFT::Algorithm::DIF8, 2048}, {ZFFT::Algorithm::DIT8, 8192},
-        {ZFFT::Algorithm::DIF16, 4096}};
+        {ZFFT::Algorithm::DIF4, 8192}, {ZFFT::Algorithm::DIT4, 8192}, {ZFFT::Algorithm::DIF8, 2048},
+        {ZFFT::Algorithm::DIT8, 8192}, {ZFFT::Algorithm::DIF16, 4096}};
     std::vector<ClassCase> cases;
     for (auto v : {ZFFT::Variant::AVX2, ZFFT::Variant::AVX, ZFFT::Variant::SSE2}) {
         for (const auto& [a, t] : classes) {
@@ -34,8 +31,7 @@ inline std::vector<ClassCase> stockham_cases()
 
 inline std::string case_name(const testing::TestParamInfo<ClassCase>& info)
 {
-    return std::string(ZFFT::variant_name(info.param.variant)) + "_" +
-           ZFFT::algorithm_name(info.param.algorithm);
+    return std::string(ZFFT::variant_name(info.param.variant)) + "_" + ZFFT::algorithm_name(info.param.algorithm);
 }
 
 // The transform of one case and size, or a skip when the processor lacks
