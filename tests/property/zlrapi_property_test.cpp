@@ -97,10 +97,6 @@ TEST(Property, SettersClearWhatTheyReplace)
     EXPECT_EQ(p.getStringValue(), "") << "other structured types answer an empty text";
     EXPECT_EQ(p.getChannelIDListValue(), ids.m_values);
 
-    p.setName("q");
-    EXPECT_EQ(p.getName(), "q");
-    EXPECT_EQ(p.getType(), Property::CHANNEL_ID_LIST);
-
     // A copy shares the structured value, and a setter never changes it.
     Property copy = p;
     ids.m_values = {1};

@@ -45,27 +45,5 @@ TEST(Rational, PositiveFractionsComeOutInLowestTerms)
     }
 }
 
-TEST(PropertyValues, DefaultsAndComparisons)
-{
-    const Range range;
-    EXPECT_EQ(range.m_min, 0.0);
-    EXPECT_EQ(range.m_max, 0.0);
-    EXPECT_TRUE(range.m_min_unit.empty() && range.m_max_unit.empty());
-    const Range one_unit(1.0, 2.0, "V");
-    EXPECT_EQ(one_unit.m_min_unit, "V");
-    EXPECT_EQ(one_unit.m_max_unit, "V");
-
-    EXPECT_TRUE(one_unit == Range(1.0, 2.0, "V", "V"));
-    EXPECT_FALSE(one_unit == Range(1.0, 2.0, "V", "A"));
-    EXPECT_FALSE(one_unit == Range(1.0, 3.0, "V"));
-    EXPECT_TRUE(Range(0.0, 1.0, "") == Range(-0.0, 1.0, ""));
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_FALSE(Range(nan, 1.0, "") == Range(nan, 1.0, ""));
-
-    EXPECT_TRUE(Scalar(1.5, "Hz") == Scalar(1.5, "Hz"));
-    EXPECT_FALSE(Scalar(1.5, "Hz") == Scalar(1.5, "kHz"));
-    EXPECT_FALSE(Scalar(nan, "Hz") == Scalar(nan, "Hz"));
-}
-
 } // namespace
 } // namespace zlr

@@ -128,21 +128,5 @@ TEST(PropertyXmlWriter, NullParentIsReportedNotFatal)
                                         "unit_node"}));
 }
 
-TEST(PropertyXmlWriter, TypeNamesMatchTheirCodes)
-{
-    for (int code = 1; code <= 23; ++code) {
-        const auto type = static_cast<Property::Type>(code);
-        const char* name = propertyTypeElementName(type);
-        ASSERT_NE(name, nullptr) << code;
-        EXPECT_EQ(propertyTypeFromElementName(name), type) << name;
-    }
-    EXPECT_EQ(propertyTypeElementName(Property::NONE), nullptr);
-    EXPECT_EQ(propertyTypeElementName(static_cast<Property::Type>(-1)), nullptr);
-    EXPECT_EQ(propertyTypeFromElementName("doublevalue"), Property::NONE);
-    EXPECT_EQ(propertyTypeFromElementName(""), Property::NONE);
-    EXPECT_STREQ(propertyTypeElementName(Property::CHANNEL_ID_LIST), "ChannelIDList");
-    EXPECT_STREQ(propertyTypeElementName(Property::SIGNED_VALUE64), "SignedValue64");
-}
-
 } // namespace
 } // namespace zlr

@@ -2,6 +2,8 @@
 #include "zlrapi_channel_id_map_xml.h"
 #include "zlrapi_channels_xml.h"
 
+#include "zlr_parse_text.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -9,11 +11,7 @@
 
 namespace {
 
-template <typename Telegram>
-bool parseText(Telegram& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
+using zlr::test::parseText;
 
 } // namespace
 

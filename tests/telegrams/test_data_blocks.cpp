@@ -3,6 +3,8 @@
 #include "zlrapi_data_block_xml.h"
 #include "zlrapi_data_set_descriptor_xml.h"
 
+#include "zlr_parse_text.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,11 +13,7 @@
 
 namespace {
 
-template <typename Telegram>
-bool parseText(Telegram& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
+using zlr::test::parseText;
 
 zlr::StreamDescriptors randomDescriptors(std::mt19937_64& random)
 {

@@ -35,33 +35,6 @@ std::vector<std::uint32_t> numbersOf(const zlr::StringBimap& map, std::uint32_t 
 
 } // namespace
 
-TEST(DataFormat, TablesHoldTheHostsRows)
-{
-    struct Row {
-        const zlr::StringBimap& map;
-        std::uint32_t number;
-        const char* text;
-    };
-    const Row rows[] = {
-        {zlr::sampleOccurrenceMap(), 0, "SYNC"},     {zlr::sampleOccurrenceMap(), 3, "NEVER"},
-        {zlr::sampleFormatMap(), 1, "none"},          {zlr::sampleFormatMap(), 13, "double"},
-        {zlr::sampleFormatMap(), 18, "can"},          {zlr::sampleFormatMap(), 19, "flexray"},
-        {zlr::sampleFormatMap(), 14, "cfloat"},       {zlr::sampleFormatMap(), 17, "utf8str"},
-        {zlr::reducedFormatMap(), 2, "r_sf_sf"},      {zlr::sampleValueTypeMap(), 1, "scalar"},
-        {zlr::sampleValueTypeMap(), 8, "byte_vector"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(row.map.textOf(row.number), row.text);
-        std::uint32_t number = 999;
-        EXPECT_TRUE(row.map.findNumber(row.text, number));
-        EXPECT_EQ(number, row.number) << row.text;
-    }
-    EXPECT_EQ(numbersOf(zlr::sampleFormatMap(), 40).size(), 19u);
-    EXPECT_EQ(numbersOf(zlr::sampleOccurrenceMap(), 40).size(), 4u);
-    EXPECT_EQ(numbersOf(zlr::reducedFormatMap(), 40).size(), 2u);
-    EXPECT_EQ(numbersOf(zlr::sampleValueTypeMap(), 40).size(), 8u);
-}
-
 TEST(DataFormat, SizeCheckReportsAndThrows)
 {
     zlr::test::AssertCapture recorder;

@@ -33,19 +33,13 @@ bool readTimebaseText(const std::string& text, zlr::Timebase& timebase)
 
 } // namespace
 
-TEST(Timebase, ElementsAndEquality)
+TEST(Timebase, ExactTexts)
 {
     EXPECT_EQ(timebaseText({1, 0.1, 0.0}),
               R"(<Channel><SimpleTimebase frequency="0.10000000000000001"/></Channel>)");
     EXPECT_EQ(timebaseText({2, 1000.0, -2.5}),
               R"(<Channel><TimebaseWithOffset frequency="1000" offset="-2.5"/></Channel>)");
     EXPECT_EQ(timebaseText({}), "<Channel/>");
-
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ((zlr::Timebase{0, nan, 0.0}), zlr::Timebase{});
-    EXPECT_NE((zlr::Timebase{1, nan, 0.0}), zlr::Timebase{});
-    EXPECT_NE((zlr::Timebase{0, 1.0, 0.0}), zlr::Timebase{});
-    EXPECT_NE((zlr::Timebase{0, nan, 1.0}), zlr::Timebase{});
 }
 
 TEST(Timebase, RandomTimebasesReadBackBitForBit)

@@ -2,6 +2,8 @@
 #include "zlr_property_compare.h"
 #include "zlrapi_update_config_xml.h"
 
+#include "zlr_parse_text.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -24,10 +26,7 @@ zlr::Property scalarProperty(const std::string& name, double value, const std::s
     return property;
 }
 
-bool parseText(zlr::UpdateConfigTelegram& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
+using zlr::test::parseText;
 
 std::string randomWord(std::mt19937& random)
 {
@@ -194,10 +193,6 @@ TEST(UpdateConfig, KindAccessorsRefuseOtherKinds)
             EXPECT_STREQ(e.what(), text);
         }
     }
-    const auto ids = zlr::Constraint::channelIds(3, -2, "SYNC").getChannelIds();
-    EXPECT_EQ(ids.m_max_items, 3u);
-    EXPECT_EQ(ids.m_max_dimension, -2);
-    EXPECT_EQ(ids.m_channel_type, "SYNC");
     const auto options = zlr::Constraint::options({zlr::Property("a", "x"), zlr::Property("b", true)});
     ASSERT_EQ(options.getParameters().size(), 2u);
     EXPECT_EQ(options.getParameters()[0].getName(), "option");

@@ -1,6 +1,8 @@
 #include "zlr_property_compare.h"
 #include "zlrapi_update_plugin_channels_xml.h"
 
+#include "zlr_parse_text.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -37,10 +39,7 @@ std::vector<std::uint32_t> idsOf(const std::vector<zlr::PluginChannelInfo>& chan
     return ids;
 }
 
-bool parseText(zlr::UpdatePluginChannelsTelegram& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
+using zlr::test::parseText;
 
 } // namespace
 
