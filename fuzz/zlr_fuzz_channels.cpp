@@ -7,11 +7,6 @@
 
 namespace {
 
-bool parseText(zlr::ChannelsTelegram& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
-
 std::string writeText(const zlr::ChannelsTelegram& telegram)
 {
     return zelvar_sim::writeChannels(telegram.m_channels);
@@ -20,15 +15,11 @@ std::string writeText(const zlr::ChannelsTelegram& telegram)
 void readTelegram(const char* text, std::size_t length)
 {
     zlr::ChannelsTelegram telegram;
-    if (parseText(telegram, std::string(text, length))) {
-        zlr::fuzz::expectFixedPoint(telegram, parseText, writeText, true);
+    if (telegram.parse(text, length)) {
+        zlr::fuzz::expectFixedPoint(telegram, writeText);
     }
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
-{
-    zlr::fuzz::runReader(data, size, &readTelegram);
-    return 0;
-}
+ZLR_FUZZ_READER(readTelegram)

@@ -27,8 +27,4 @@ void readTelegram(const char* text, std::size_t length)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
-{
-    zlr::fuzz::runReader(data, size, &readTelegram);
-    return 0;
-}
+ZLR_FUZZ_READER(readTelegram)

@@ -8,6 +8,7 @@
 #include "zlr_fuzz_harness.h"
 
 #include <cstdio>
+#include <set>
 #include <string>
 
 namespace zlr::fuzz {
@@ -36,6 +37,32 @@ void expectFixedPoint(const Telegram& first, Parse parse, Write write, bool stri
         std::fprintf(stderr, "second text:\n%s\nthird text:\n%s\n", twice.c_str(), thrice.c_str());
     }
     expect(thrice == twice, "writing is stable");
+}
+
+// The same check for a telegram whose own `parse(text, length)` reads it.
+template <typename Telegram, typename Write>
+void expectFixedPoint(const Telegram& first, Write write, bool strict = true)
+{
+    const auto parse = [](Telegram& telegram, const std::string& text) {
+        return telegram.parse(text.data(), text.size());
+    };
+    expectFixedPoint(first, parse, write, strict);
+}
+
+// Constraints go out under every property of their name, so a round trip of
+// channels with properties needs names that occur once per channel.
+template <typename Channels>
+bool namesOnce(const Channels& channels)
+{
+    for (const auto& channel : channels) {
+        std::set<std::string> names;
+        for (const auto& property : channel.m_properties) {
+            if (!names.insert(property.getName()).second) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 } // namespace zlr::fuzz

@@ -31,3 +31,11 @@ using TextReader = std::function<void(const char* text, std::size_t length)>;
 void runReader(const std::uint8_t* data, std::size_t size, const TextReader& read);
 
 } // namespace zlr::fuzz
+
+// The libFuzzer entry point of a target whose reader is `reader`.
+#define ZLR_FUZZ_READER(reader)                                                        \
+    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) \
+    {                                                                                  \
+        zlr::fuzz::runReader(data, size, &(reader));                                   \
+        return 0;                                                                      \
+    }

@@ -93,8 +93,4 @@ void readProperty(const char* text, std::size_t length)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
-{
-    zlr::fuzz::runReader(data, size, &readProperty);
-    return 0;
-}
+ZLR_FUZZ_READER(readProperty)

@@ -7,11 +7,6 @@
 
 namespace {
 
-bool parseText(zlr::StreamDescriptors& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
-
 std::string writeText(const zlr::StreamDescriptors& telegram)
 {
     return zelvar_sim::writeStreamDescriptors(telegram);
@@ -20,15 +15,11 @@ std::string writeText(const zlr::StreamDescriptors& telegram)
 void readTelegram(const char* text, std::size_t length)
 {
     zlr::StreamDescriptors telegram;
-    if (parseText(telegram, std::string(text, length))) {
-        zlr::fuzz::expectFixedPoint(telegram, parseText, writeText, false);
+    if (telegram.parse(text, length)) {
+        zlr::fuzz::expectFixedPoint(telegram, writeText, false);
     }
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
-{
-    zlr::fuzz::runReader(data, size, &readTelegram);
-    return 0;
-}
+ZLR_FUZZ_READER(readTelegram)

@@ -5,28 +5,9 @@
 
 #include "zlrapi_update_plugin_channels_xml.h"
 
-#include <set>
 #include <stdexcept>
 
 namespace {
-
-bool namesOnce(const zlr::UpdatePluginChannelsTelegram& telegram)
-{
-    for (const zlr::PluginChannelInfo& channel : telegram.m_channels) {
-        std::set<std::string> names;
-        for (const zlr::Property& property : channel.m_properties) {
-            if (!names.insert(property.getName()).second) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
-bool parseText(zlr::UpdatePluginChannelsTelegram& telegram, const std::string& text)
-{
-    return telegram.parse(text.data(), text.size());
-}
 
 std::string writeText(const zlr::UpdatePluginChannelsTelegram& telegram)
 {
@@ -36,7 +17,7 @@ std::string writeText(const zlr::UpdatePluginChannelsTelegram& telegram)
 void readTelegram(const char* text, std::size_t length)
 {
     zlr::UpdatePluginChannelsTelegram telegram;
-    if (!telegram.parse(text, length) || !namesOnce(telegram)) {
+    if (!telegram.parse(text, length) || !zlr::fuzz::namesOnce(telegram.m_channels)) {
         return;
     }
     try {
@@ -44,13 +25,9 @@ void readTelegram(const char* text, std::size_t length)
     } catch (const std::domain_error&) {
         return;
     }
-    zlr::fuzz::expectFixedPoint(telegram, parseText, writeText);
+    zlr::fuzz::expectFixedPoint(telegram, writeText);
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
-{
-    zlr::fuzz::runReader(data, size, &readTelegram);
-    return 0;
-}
+ZLR_FUZZ_READER(readTelegram)
