@@ -8,11 +8,4 @@ bash scripts/install-deps.sh
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$(nproc 2>/dev/null || echo 2)" >/dev/null
 
-sim=build/release/host_sim/zelvar-sim
-if [ -x "$sim" ]; then
-  exec "$sim" "$@"
-fi
-# Until the simulator exists, show what the host would see of the module.
-plugin=build/release/software_channels/frequency_measurement/frequency_measurement.plugin
-echo "built $plugin; exported functions:"
-readelf --dyn-syms -W "$plugin" | awk '$7 != "UND" && $8 ~ /^zv/ {print "  " $8}'
+exec build/release/host_sim/zelvar-sim "$@"
