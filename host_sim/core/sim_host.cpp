@@ -1,5 +1,6 @@
 #include "sim_host.h"
 
+#include "sim_host_service.h"
 #include "sim_values.h"
 #include "zlrapi_utils.h"
 #include "zlrbase_messages.h"
@@ -48,6 +49,30 @@ void SimHost::setResponder(std::uint32_t id, Responder responder)
     m_responders[id] = std::move(responder);
 }
 
+void SimHost::addService(std::shared_ptr<HostService> service)
+{
+    std::lock_guard lock(m_mutex);
+    m_services.push_back(std::move(service));
+}
+
+void SimHost::recordFault(std::uint32_t message_id, std::string reason, std::string telegram)
+{
+    std::lock_guard lock(m_mutex);
+    m_faults.push_back(ProtocolFault{message_id, std::move(reason), std::move(telegram)});
+}
+
+std::vector<ProtocolFault> SimHost::faults() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_faults;
+}
+
+void SimHost::clearFaults()
+{
+    std::lock_guard lock(m_mutex);
+    m_faults.clear();
+}
+
 std::vector<MessageRecord> SimHost::messages() const
 {
     std::lock_guard lock(m_mutex);
@@ -88,8 +113,20 @@ std::uint64_t SimHost::deliver(MessageRecord record, zlr::IfValue** result)
         }
     }
     record.wants_result = result != nullptr;
-    // A responder may call back into the plug-in, so it runs unlocked.
-    record.answer = responder ? responder(record, result) : zlr::RESULT_OK;
+    // A responder or a service may call back into the plug-in, so they run
+    // unlocked; services are only added while no plug-in talks.
+    if (responder) {
+        record.answer = responder(record, result);
+    } else {
+        record.answer = zlr::RESULT_OK;
+        for (const auto& service : m_services) {
+            std::uint64_t answer = zlr::RESULT_OK;
+            if (service->handleMessage(record, result, answer)) {
+                record.answer = answer;
+                break;
+            }
+        }
+    }
     std::lock_guard lock(m_mutex);
     m_messages.push_back(record);
     return record.answer;

@@ -4,6 +4,7 @@
 // would, or as a test configured it.
 #pragma once
 
+#include "sim_message_record.h"
 #include "sim_value_ledger.h"
 #include "sim_value_tree.h"
 #include "zlrbase_host.h"
@@ -11,25 +12,23 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 namespace zelvar_sim {
 
-enum class CallKind { sync, sync_data, async };
+class HostService;
 
-struct MessageRecord {
-    CallKind kind = CallKind::sync;
-    std::uint32_t id = 0;
-    std::uint64_t key = 0;
-    std::uint32_t value_type = 0;     // 0 when the message carried no value
-    std::string text;                 // text of a string or XML value, or the bytes as text
-    std::vector<unsigned char> bytes; // the bytes of a data message
-    std::uint64_t number = 0;         // an unsigned 64-bit value
-    bool wants_result = false;        // a result address was given
-    std::uint64_t answer = 0;
+// A message the host refused because it could not read it or because it did
+// not fit what the host knows; the plug-in never sees more than the answer.
+struct ProtocolFault {
+    std::uint32_t message_id = 0;
+    std::string reason;
+    std::string telegram;
 };
+
 
 class SimHost : public zlr::IfHost {
 public:
@@ -46,8 +45,19 @@ public:
     // Fills "#PluginHost" with a name and a version, as the real host does.
     void setIdentity(const std::string& name, const std::string& version);
 
-    // Every later message `id` is answered by `responder` instead of 0.
+    // Every later message `id` is answered by `responder`, ahead of any
+    // service: the test's override.
     void setResponder(std::uint32_t id, Responder responder);
+
+    // Adds a concern of the host model; services are asked in the order of
+    // adding, and a message none of them takes is answered 0.
+    void addService(std::shared_ptr<HostService> service);
+    const std::vector<std::shared_ptr<HostService>>& services() const { return m_services; }
+
+    // Records a refusal of the host; a strict run fails on any it did not expect.
+    void recordFault(std::uint32_t message_id, std::string reason, std::string telegram);
+    std::vector<ProtocolFault> faults() const;
+    void clearFaults();
 
     ValueTree& tree() { return m_tree; }
     ValueLedger& ledger() { return m_ledger; }
@@ -78,6 +88,8 @@ private:
     mutable std::mutex m_mutex;
     std::vector<MessageRecord> m_messages;
     std::map<std::uint32_t, Responder> m_responders;
+    std::vector<std::shared_ptr<HostService>> m_services;
+    std::vector<ProtocolFault> m_faults;
 };
 
 // The name of a message number, for printing ("HOST_ADD_TASK", ...), or its
