@@ -30,5 +30,15 @@ else
   SUDO=
 fi
 export DEBIAN_FRONTEND=noninteractive
-$SUDO apt-get update -qq
-$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+# The package manager's progress goes to a log; a person sees it only when
+# the installation fails.
+log=$(mktemp)
+if ! { $SUDO apt-get update -qq && \
+       $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"; } >"${log}" 2>&1; then
+  echo "install-deps: installation failed; the package manager said:"
+  tail -n 40 "${log}"
+  rm -f "${log}"
+  exit 1
+fi
+rm -f "${log}"
+echo "install-deps: done"
