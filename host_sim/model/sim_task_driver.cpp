@@ -1,0 +1,91 @@
+#include "sim_task_driver.h"
+
+#include "sim_data_set_writers.h"
+#include "sim_values.h"
+#include "zlrbase_messages.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zelvar_sim {
+
+std::vector<DriverMessage> RunReport::failures() const
+{
+    std::vector<DriverMessage> failed;
+    std::copy_if(messages.begin(), messages.end(), std::back_inserter(failed),
+                 [](const DriverMessage& message) { return message.answer != zlr::RESULT_OK; });
+    return failed;
+}
+
+TaskDriver::TaskDriver(SimHost& host, const TaskRegistry& tasks, const InputChannels& inputs,
+                       DataSets& data_sets, MasterClock& clock)
+    : m_host(host), m_tasks(tasks), m_inputs(inputs), m_data_sets(data_sets), m_clock(clock)
+{
+}
+
+double TaskDriver::endOfRecordings(const std::vector<RegisteredTask>& tasks) const
+{
+    double end = 0.0;
+    for (const RegisteredTask& task : tasks) {
+        for (std::uint64_t id : task.input_channels) {
+            if (const InputChannelEntry* channel = m_inputs.find(id)) {
+                end = std::max(end, static_cast<double>(channel->recording->length()) /
+                                        channel->setup.sample_rate);
+            }
+        }
+    }
+    return end;
+}
+
+RunReport TaskDriver::run(const PluginSender& send, const RunOptions& options)
+{
+    RunReport report;
+    // A copy: the plug-in may take a task down and up again while it runs.
+    const std::vector<RegisteredTask> tasks = m_tasks.tasks();
+    report.end_seconds = endOfRecordings(tasks);
+    m_data_sets.setBlockDuration(options.block_duration);
+    m_data_sets.setBlocksPerRequest(options.blocks_per_request);
+    m_clock.setTicks(0);
+
+    const auto sendToAll = [&](std::uint32_t id) {
+        for (const RegisteredTask& task : tasks) {
+            report.messages.push_back({id, task.key, send(id, task.key, nullptr)});
+        }
+    };
+    sendToAll(zlr::PLUGIN_TASK_INIT_TIMEBASES);
+    sendToAll(zlr::PLUGIN_TASK_PREPARE_PROCESSING);
+
+    const std::uint64_t end_ticks = m_clock.ticksAtOrAfter(report.end_seconds);
+    const std::uint64_t interval =
+        std::max<std::uint64_t>(1, m_clock.ticksAtOrAfter(options.process_interval));
+    std::uint64_t extra_steps = 0;
+    while (!tasks.empty()) {
+        const zlr::Timestamp start = m_clock.now();
+        const bool ended = start.ticks >= end_ticks;
+        if (ended && (options.mode == ProcessMode::time_stamped ||
+                      m_data_sets.allStreamsDelivered() || extra_steps++ >= options.extra_steps)) {
+            break;
+        }
+        zlr::Timestamp end = start;
+        end.ticks = ended ? start.ticks + interval : std::min(start.ticks + interval, end_ticks);
+        m_clock.setTicks(end.ticks);
+        for (const RegisteredTask& task : tasks) {
+            std::uint64_t answer = 0;
+            if (options.mode == ProcessMode::time_stamped) {
+                XmlValue* window = new XmlValue(m_host.ledger(), writeProcessWindow(start, end));
+                answer = send(zlr::PLUGIN_TASK_PROCESS, task.key, window);
+                window->release();
+            } else {
+                answer = send(zlr::PLUGIN_TASK_PROCESS, task.key, nullptr);
+            }
+            report.messages.push_back({zlr::PLUGIN_TASK_PROCESS, task.key, answer});
+        }
+        ++report.process_steps;
+    }
+    report.all_delivered = m_data_sets.allStreamsDelivered();
+
+    sendToAll(zlr::PLUGIN_TASK_STOP_PROCESSING);
+    return report;
+}
+
+} // namespace zelvar_sim
