@@ -2,6 +2,7 @@
 
 #include "zlrapi_utils.h"
 #include "zlrbase_messages.h"
+#include "zlrfw_message_barrier.h"
 
 #include <string>
 
@@ -32,11 +33,11 @@ std::uint64_t PluginBase::pluginMessage(std::uint64_t id, std::uint64_t key, IfV
                                         IfValue** result)
 {
     // The host is not ours to crash: whatever a handler lets escape ends
-    // here as the code for "an exception reached the handler".
+    // here, logged as at the barrier of the channels' handler.
     try {
         return dispatch(id, key, value, result);
     } catch (...) {
-        return RESULT_EXCEPTION;
+        return answerCaughtException(id);
     }
 }
 
