@@ -1,0 +1,15 @@
+// The text of a host value that should carry an XML telegram.
+#pragma once
+
+#include "zlrbase_values.h"
+
+#include <optional>
+#include <string>
+
+namespace zlr::framework {
+
+// A copy of the text of an IfXmlValue; none for a null value or one of
+// another type. The value stays the caller's.
+std::optional<std::string> xmlValueText(IfValue* value);
+
+} // namespace zlr::framework
