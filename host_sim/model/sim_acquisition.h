@@ -5,8 +5,10 @@
 //
 //   zelvar_sim::SimHost host;
 //   zelvar_sim::Acquisition acquisition(host);
-//   acquisition.addInputChannel({.id = 7, .long_name = "Mic", .sample_rate = 10000.0},
-//                               zelvar_sim::MemoryRecording::of(samples));
+//   zelvar_sim::InputChannelSetup microphone;
+//   microphone.id = 7;
+//   microphone.sample_rate = 10000.0;
+//   acquisition.addInputChannel(microphone, zelvar_sim::MemoryRecording::of(samples));
 //   ... load the plug-in, create its software channel on input 7 ...
 //   zelvar_sim::RunReport report = acquisition.run(session, {.process_interval = 0.05});
 //   std::vector<double> frequencies = acquisition.outputValues(output_local_id);

@@ -82,7 +82,10 @@ RunReport TaskDriver::run(const PluginSender& send, const RunOptions& options)
         }
         ++report.process_steps;
     }
-    report.all_delivered = m_data_sets.allStreamsDelivered();
+    // Windows carry their data with them; only streams can be left behind.
+    report.all_delivered = m_clock.now().ticks >= end_ticks &&
+                           (options.mode == ProcessMode::time_stamped ||
+                            m_data_sets.allStreamsDelivered());
 
     sendToAll(zlr::PLUGIN_TASK_STOP_PROCESSING);
     return report;

@@ -47,7 +47,9 @@ struct DriverMessage {
 struct RunReport {
     std::uint64_t process_steps = 0;
     double end_seconds = 0.0;  // where the recordings of the run's tasks end
-    bool all_delivered = false; // every stream handed out its last block
+    // The clock passed the end, and (stream mode) every stream handed out
+    // its last block.
+    bool all_delivered = false;
     std::vector<DriverMessage> messages;
 
     // Messages the plug-in did not answer with 0.
