@@ -20,6 +20,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -122,6 +123,8 @@ public:
     bool validate();
     // New proxies for the channel ids that the settings name, ascending.
     void rebuildInputChannels();
+    // The host channel ids that the settings of all output channels name.
+    std::set<std::uint64_t> getReferencedChannelIds() const;
     // Replaces mapped ids in the settings, then rebuilds the inputs.
     void applyChannelIdMap(const ChannelIdMap& channel_map);
 
