@@ -50,22 +50,48 @@ std::string keyText(std::uint64_t key)
 
 } // namespace
 
+BlockGrid::BlockGrid(double origin, double duration, double end, double frequency)
+    : m_origin(origin), m_end(end), m_frequency(frequency),
+      m_origin_ticks(static_cast<std::uint64_t>(std::llround(std::max(origin, 0.0) * frequency))),
+      m_step_ticks(std::max<std::uint64_t>(
+          1, static_cast<std::uint64_t>(std::llround(std::max(duration, 0.0) * frequency))))
+{
+}
+
+double BlockGrid::unclipped(std::uint64_t k) const
+{
+    if (k == 0) {
+        return m_origin;
+    }
+    return static_cast<double>(m_origin_ticks + k * m_step_ticks) / m_frequency;
+}
+
 double BlockGrid::boundary(std::uint64_t k) const
 {
-    return std::min(origin + static_cast<double>(k) * duration, end);
+    return std::min(unclipped(k), m_end);
+}
+
+std::uint64_t BlockGrid::boundaryTicks(std::uint64_t k) const
+{
+    if (unclipped(k) < m_end) {
+        return k == 0 ? m_origin_ticks : m_origin_ticks + k * m_step_ticks;
+    }
+    return static_cast<std::uint64_t>(std::ceil(m_end * m_frequency));
 }
 
 std::uint64_t BlockGrid::blockCount() const
 {
-    if (!(end > origin)) {
+    if (!(m_end > m_origin)) {
         return 0;
     }
-    auto k = static_cast<std::uint64_t>(std::ceil((end - origin) / duration));
-    // The quotient may round either way; the boundaries themselves decide.
-    while (origin + static_cast<double>(k) * duration < end) {
+    const double ticks = std::ceil(m_end * m_frequency) - static_cast<double>(m_origin_ticks);
+    auto k = std::max<std::uint64_t>(
+        1, static_cast<std::uint64_t>(std::max(ticks, 0.0)) / m_step_ticks);
+    // The division may land a block off either way; the boundaries decide.
+    while (unclipped(k) < m_end) {
         ++k;
     }
-    while (k > 1 && origin + static_cast<double>(k - 1) * duration >= end) {
+    while (k > 1 && unclipped(k - 1) >= m_end) {
         --k;
     }
     return k;
@@ -74,13 +100,14 @@ std::uint64_t BlockGrid::blockCount() const
 std::uint64_t BlockGrid::blocksEndedBy(double now) const
 {
     const std::uint64_t count = blockCount();
-    if (now >= end) {
+    if (now >= m_end) {
         return count;
     }
-    if (!(now > origin)) {
+    if (!(now > m_origin)) {
         return 0;
     }
-    auto k = std::min(count, static_cast<std::uint64_t>(std::floor((now - origin) / duration)));
+    const double ticks = now * m_frequency - static_cast<double>(m_origin_ticks);
+    auto k = std::min(count, static_cast<std::uint64_t>(std::max(ticks, 0.0)) / m_step_ticks);
     while (k < count && boundary(k + 1) <= now) {
         ++k;
     }
@@ -138,7 +165,8 @@ double DataSets::blockDurationFor(double asked) const
 
 BlockGrid DataSets::streamGrid(const DataSet& data_set) const
 {
-    return {data_set.stream.start, data_set.stream.block_duration, endOf(data_set)};
+    return BlockGrid(data_set.stream.start, data_set.stream.block_duration, endOf(data_set),
+                     m_clock.frequency());
 }
 
 bool DataSets::allStreamsDelivered() const
@@ -177,8 +205,8 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
         const bool alone = stream.m_channels.size() == 1 &&
                            shapeOf(stream.m_channels.front()) == RecordShape::variable_size;
         for (std::uint64_t k = first; k < last; ++k) {
-            const std::uint64_t tick = m_clock.ticksAtOrAfter(grid.boundary(k));
-            const std::uint64_t duration = m_clock.ticksAtOrAfter(grid.boundary(k + 1)) - tick;
+            const std::uint64_t tick = grid.boundaryTicks(k);
+            const std::uint64_t duration = grid.boundaryTicks(k + 1) - tick;
             DataBlockList::Block block;
             zlr::DataBlock description;
             description.m_stream_id = stream.m_stream_id;
@@ -293,6 +321,11 @@ std::uint64_t DataSets::registerDataSet(const MessageRecord& message, zlr::IfVal
                           keyText(key) + " names channel " + std::to_string(id) +
                               ", which the host does not have");
         }
+        if (!channel->setup.usable) {
+            return refuse(message, zlr::RESULT_FAILED,
+                          keyText(key) + " names channel " + std::to_string(id) +
+                              ", which is not usable");
+        }
         if (std::find(data_set.channels.begin(), data_set.channels.end(), id) !=
             data_set.channels.end()) {
             return refuse(message, zlr::RESULT_FAILED,
@@ -403,7 +436,7 @@ std::uint64_t DataSets::requestData(const MessageRecord& message, zlr::IfValue**
         }
         const double duration = data_set->stream.running ? data_set->stream.block_duration
                                                          : blockDurationFor(0.0);
-        const BlockGrid grid{start, duration, end};
+        const BlockGrid grid(start, duration, end, m_clock.frequency());
         content = blocksOf(*data_set, grid, 0, grid.blockCount());
     } else if (request.m_data_stream) {
         if (!data_set->stream.running) {

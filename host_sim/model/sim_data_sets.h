@@ -21,19 +21,31 @@
 
 namespace zelvar_sim {
 
-// Blocks of host time: block k runs from origin + k * duration up to the
-// next boundary, and the last one ends at `end`. Every request of a stream
-// cuts on the same grid, so that its blocks adjoin sample for sample.
-struct BlockGrid {
-    double origin = 0.0;   // seconds
-    double duration = 0.0; // seconds, above 0
-    double end = 0.0;      // seconds
+// Blocks of host time on whole ticks of the master clock: block k runs from
+// the tick of origin + k * duration up to the next boundary, the first one
+// from `origin` itself and the last one up to `end`. Every request of a
+// stream cuts on the same grid, so that its blocks adjoin sample for sample.
+class BlockGrid {
+public:
+    // Seconds; `duration` is taken to the nearest whole tick, one at least.
+    BlockGrid(double origin, double duration, double end, double frequency);
 
     double boundary(std::uint64_t k) const;
+    // The clock's tick at a boundary.
+    std::uint64_t boundaryTicks(std::uint64_t k) const;
     // Blocks up to `end`.
     std::uint64_t blockCount() const;
     // Blocks that have ended at `now` (seconds).
     std::uint64_t blocksEndedBy(double now) const;
+
+private:
+    double unclipped(std::uint64_t k) const;
+
+    double m_origin;
+    double m_end;
+    double m_frequency;
+    std::uint64_t m_origin_ticks;
+    std::uint64_t m_step_ticks;
 };
 
 // The channels of a data set and how their streams look. Channels of fixed

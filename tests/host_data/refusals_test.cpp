@@ -76,6 +76,12 @@ const RefusalCase CASES[] = {
      ""},
     {"data set of an unknown channel", [](Bench& b) { return b.side.registerDataSet(9, {4, 99}); },
      4, zlr::HOST_DATA_SET_REGISTER, "channel 99"},
+    {"data set of a channel that is not usable",
+     [](Bench& b) {
+         b.acquisition.inputs().setUsable(4, false);
+         return b.side.registerDataSet(9, {4});
+     },
+     4, zlr::HOST_DATA_SET_REGISTER, "not usable"},
     {"data set key registered already", [](Bench& b) { return b.side.registerDataSet(2, {4}); }, 4,
      zlr::HOST_DATA_SET_REGISTER, "registered already"},
     {"unregistering an unknown data set", [](Bench& b) { return b.side.unregisterDataSet(9); }, 4,
