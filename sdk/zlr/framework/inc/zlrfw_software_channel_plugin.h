@@ -303,11 +303,15 @@ std::uint64_t SoftwareChannelPlugin<T>::removeChannels(IfValue* value)
             }
         }
         for (const std::uint32_t local_id : instance.getChannelsToRemove(owned)) {
+            std::shared_ptr<PluginChannel> doomed;
             for (const std::shared_ptr<PluginChannel>& channel : instance.getOutputChannels()) {
                 if (channel && channel->getLocalId() == local_id) {
-                    instance.removeOutputChannel(channel);
+                    doomed = channel;
                     break;
                 }
+            }
+            if (doomed) {
+                instance.removeOutputChannel(doomed);
             }
         }
         if (instance.getOutputChannels().empty()) {

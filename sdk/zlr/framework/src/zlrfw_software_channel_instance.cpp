@@ -192,8 +192,10 @@ std::shared_ptr<PluginChannel> SoftwareChannelInstance::findOutputChannel(const 
     return nullptr;
 }
 
-void SoftwareChannelInstance::removeOutputChannel(const std::shared_ptr<PluginChannel>& channel)
+void SoftwareChannelInstance::removeOutputChannel(const std::shared_ptr<PluginChannel>& channel_ref)
 {
+    // A copy: the argument may be an element of m_output_channels itself.
+    const std::shared_ptr<PluginChannel> channel = channel_ref;
     m_task->removeOutputChannel(channel);
     m_plugin_channels->removeChannel(channel);
     m_output_channels.erase(
