@@ -1,14 +1,16 @@
 #include "sim_acquisition.h"
 
+#include <ostream>
+
 namespace zelvar_sim {
 
 Acquisition::Acquisition(SimHost& host, AcquisitionOptions options)
-    : m_clock(host, options.clock_frequency),
+    : m_clock(std::make_shared<MasterClock>(host, options.clock_frequency)),
       m_inputs(std::make_shared<InputChannels>(host)),
-      m_tasks(std::make_shared<TaskRegistry>(host, *m_inputs)),
-      m_data_sets(std::make_shared<DataSets>(host, *m_inputs, m_clock)),
+      m_tasks(std::make_shared<TaskRegistry>(host, m_inputs)),
+      m_data_sets(std::make_shared<DataSets>(host, m_inputs, m_clock)),
       m_output(std::make_shared<OutputCapture>(host)),
-      m_driver(host, *m_tasks, *m_inputs, *m_data_sets, m_clock)
+      m_driver(host, *m_tasks, *m_inputs, *m_data_sets, *m_clock)
 {
     host.addService(m_inputs);
     host.addService(m_tasks);
@@ -49,6 +51,16 @@ const std::vector<CapturedBlock>& Acquisition::outputBlocks(std::uint32_t local_
 std::vector<double> Acquisition::outputValues(std::uint32_t local_id) const
 {
     return m_output->values(local_id);
+}
+
+void Acquisition::describe(std::ostream& out) const
+{
+    const zlr::Timestamp now = m_clock->now();
+    out << "master clock: tick " << now.ticks << " at " << now.frequency << " Hz\n";
+    m_inputs->describe(out);
+    m_tasks->describe(out);
+    m_data_sets->describe(out);
+    m_output->describe(out);
 }
 
 } // namespace zelvar_sim

@@ -24,6 +24,7 @@
 #include "sim_tasks.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <vector>
 
@@ -56,14 +57,18 @@ public:
     const std::vector<CapturedBlock>& outputBlocks(std::uint32_t local_id) const;
     std::vector<double> outputValues(std::uint32_t local_id) const;
 
+    // The channels, tasks, data sets, clock and captured outputs, readable.
+    void describe(std::ostream& out) const;
+
     InputChannels& inputs() { return *m_inputs; }
     TaskRegistry& tasks() { return *m_tasks; }
     DataSets& dataSets() { return *m_data_sets; }
-    MasterClock& clock() { return m_clock; }
+    MasterClock& clock() { return *m_clock; }
     OutputCapture& output() { return *m_output; }
 
 private:
-    MasterClock m_clock;
+    // Shared with the services, which the host keeps after this is gone.
+    std::shared_ptr<MasterClock> m_clock;
     std::shared_ptr<InputChannels> m_inputs;
     std::shared_ptr<TaskRegistry> m_tasks;
     std::shared_ptr<DataSets> m_data_sets;

@@ -117,8 +117,9 @@ std::uint64_t BlockGrid::blocksEndedBy(double now) const
     return k;
 }
 
-DataSets::DataSets(SimHost& host, const InputChannels& inputs, const MasterClock& clock)
-    : m_host(host), m_inputs(inputs), m_clock(clock)
+DataSets::DataSets(SimHost& host, std::shared_ptr<const InputChannels> inputs,
+                   std::shared_ptr<const MasterClock> clock)
+    : m_host(host), m_inputs(std::move(inputs)), m_clock(std::move(clock))
 {
 }
 
@@ -147,7 +148,7 @@ double DataSets::endOf(const DataSet& data_set) const
 {
     double end = 0.0;
     for (std::uint64_t id : data_set.channels) {
-        if (const InputChannelEntry* channel = m_inputs.find(id)) {
+        if (const InputChannelEntry* channel = m_inputs->find(id)) {
             end = std::max(end, static_cast<double>(channel->recording->length()) /
                                     channel->setup.sample_rate);
         }
@@ -166,7 +167,7 @@ double DataSets::blockDurationFor(double asked) const
 BlockGrid DataSets::streamGrid(const DataSet& data_set) const
 {
     return BlockGrid(data_set.stream.start, data_set.stream.block_duration, endOf(data_set),
-                     m_clock.frequency());
+                     m_clock->frequency());
 }
 
 bool DataSets::allStreamsDelivered() const
@@ -191,7 +192,7 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
         content.list.m_intervals.push_back({grid.boundary(k), grid.boundary(k + 1)});
     }
     for (std::uint64_t id : data_set.channels) {
-        if (const InputChannelEntry* channel = m_inputs.find(id)) {
+        if (const InputChannelEntry* channel = m_inputs->find(id)) {
             const SampleSpan window =
                 samplesOf(*channel, grid.boundary(first), grid.boundary(last));
             for (const SampleSpan& gap : gapsWithin(channel->recording->dataSpans(), window)) {
@@ -218,7 +219,7 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                 description.m_channels.clear();
             };
             for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
-                const InputChannelEntry* channel = m_inputs.find(layout.m_channel_id);
+                const InputChannelEntry* channel = m_inputs->find(layout.m_channel_id);
                 if (!channel) {
                     continue;
                 }
@@ -315,7 +316,7 @@ std::uint64_t DataSets::registerDataSet(const MessageRecord& message, zlr::IfVal
     zlr::StreamDescriptor shared;
     std::vector<zlr::StreamDescriptor> alone;
     for (std::uint64_t id : telegram.m_channels) {
-        const InputChannelEntry* channel = m_inputs.find(id);
+        const InputChannelEntry* channel = m_inputs->find(id);
         if (!channel) {
             return refuse(message, zlr::RESULT_FAILED,
                           keyText(key) + " names channel " + std::to_string(id) +
@@ -436,7 +437,7 @@ std::uint64_t DataSets::requestData(const MessageRecord& message, zlr::IfValue**
         }
         const double duration = data_set->stream.running ? data_set->stream.block_duration
                                                          : blockDurationFor(0.0);
-        const BlockGrid grid(start, duration, end, m_clock.frequency());
+        const BlockGrid grid(start, duration, end, m_clock->frequency());
         content = blocksOf(*data_set, grid, 0, grid.blockCount());
     } else if (request.m_data_stream) {
         if (!data_set->stream.running) {
@@ -445,7 +446,7 @@ std::uint64_t DataSets::requestData(const MessageRecord& message, zlr::IfValue**
                               ", whose stream does not run");
         }
         const BlockGrid grid = streamGrid(*data_set);
-        std::uint64_t last = grid.blocksEndedBy(m_clock.seconds());
+        std::uint64_t last = grid.blocksEndedBy(m_clock->seconds());
         if (m_blocks_per_request > 0) {
             last = std::min<std::uint64_t>(last, data_set->stream.next_block + m_blocks_per_request);
         }
@@ -480,7 +481,7 @@ std::uint64_t DataSets::requestRegions(const MessageRecord& message, zlr::IfValu
     }
     std::vector<zlr::DataRegion> regions;
     for (std::uint64_t id : data_set->channels) {
-        const InputChannelEntry* channel = m_inputs.find(id);
+        const InputChannelEntry* channel = m_inputs->find(id);
         if (!channel) {
             continue;
         }

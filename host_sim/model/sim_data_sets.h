@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -76,7 +77,9 @@ public:
     // Blocks of this duration when neither the run nor the stream asks for one.
     static constexpr double DEFAULT_BLOCK_DURATION = 0.01;
 
-    DataSets(SimHost& host, const InputChannels& inputs, const MasterClock& clock);
+    // Shares channels and clock, since the host may outlive whoever made it.
+    DataSets(SimHost& host, std::shared_ptr<const InputChannels> inputs,
+             std::shared_ptr<const MasterClock> clock);
 
     // The duration the host cuts blocks to, whatever a stream start asks
     // for; 0 (the default) honours the stream's own duration.
@@ -123,8 +126,8 @@ private:
     double blockDurationFor(double asked) const;
 
     SimHost& m_host;
-    const InputChannels& m_inputs;
-    const MasterClock& m_clock;
+    std::shared_ptr<const InputChannels> m_inputs;
+    std::shared_ptr<const MasterClock> m_clock;
     double m_block_duration = 0.0;
     std::size_t m_blocks_per_request = 0;
     std::uint64_t m_next_stream_id = 1;

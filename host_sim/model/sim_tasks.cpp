@@ -18,8 +18,9 @@ void printIds(std::ostream& out, const std::vector<std::uint64_t>& ids)
 
 } // namespace
 
-TaskRegistry::TaskRegistry(SimHost& host, const InputChannels& inputs, OutputCheck output_exists)
-    : m_host(host), m_inputs(inputs), m_output_exists(std::move(output_exists))
+TaskRegistry::TaskRegistry(SimHost& host, std::shared_ptr<const InputChannels> inputs,
+                           OutputCheck output_exists)
+    : m_host(host), m_inputs(std::move(inputs)), m_output_exists(std::move(output_exists))
 {
 }
 
@@ -62,7 +63,7 @@ std::uint64_t TaskRegistry::add(const MessageRecord& message)
         return zlr::RESULT_FAILED;
     }
     for (std::uint64_t input : telegram.m_input_channels) {
-        if (!m_inputs.find(input)) {
+        if (!m_inputs->find(input)) {
             m_host.recordFault(message.id,
                                "task " + std::to_string(key) + " reads input channel " +
                                    std::to_string(input) + ", which the host does not have",

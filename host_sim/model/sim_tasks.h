@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace zelvar_sim {
@@ -28,7 +29,10 @@ public:
     // channel tree decides. Without one every output is taken.
     using OutputCheck = std::function<bool(std::uint64_t local_id)>;
 
-    TaskRegistry(SimHost& host, const InputChannels& inputs, OutputCheck output_exists = {});
+    // The registry shares the input channels, since the host may outlive
+    // whoever made it.
+    TaskRegistry(SimHost& host, std::shared_ptr<const InputChannels> inputs,
+                 OutputCheck output_exists = {});
 
     void setOutputCheck(OutputCheck output_exists) { m_output_exists = std::move(output_exists); }
 
@@ -49,7 +53,7 @@ private:
     std::uint64_t remove(const MessageRecord& message);
 
     SimHost& m_host;
-    const InputChannels& m_inputs;
+    std::shared_ptr<const InputChannels> m_inputs;
     OutputCheck m_output_exists;
     std::vector<RegisteredTask> m_tasks;
 };
