@@ -1,5 +1,6 @@
 // The holder keeps exactly one reference, whatever is done with it.
 #include "sim_values.h"
+#include "zlr_assert_capture.h"
 #include "zlrbase_api_object_ptr.h"
 
 #include <gtest/gtest.h>
@@ -48,19 +49,10 @@ TEST(ApiObjectPtr, KeepsExactlyOneReferenceThroughEveryOperation)
 
 TEST(ApiObjectPtr, EmptyHolderReportsTheDereference)
 {
-    static int reports = 0;
-    static std::string expression;
-    const auto previous = zlr::setAssertionHandler(
-        [](const char* expr, const char*, const char*, int) {
-            ++reports;
-            expression = expr;
-            return 1;
-        });
+    zlr::test::AssertCapture asserts;
     Holder empty;
     EXPECT_EQ(empty.operator->(), nullptr);
-    zlr::setAssertionHandler(previous);
-    EXPECT_EQ(reports, 1);
-    EXPECT_EQ(expression, "m_p != 0");
+    EXPECT_EQ(asserts.reported(), std::vector<std::string>{"m_p != 0"});
 }
 
 } // namespace

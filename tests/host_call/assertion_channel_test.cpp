@@ -1,6 +1,6 @@
 // Reports reach the installed handler; the default lets execution go on, and
 // a handler that answers 0 stops the process at a breakpoint trap.
-#include "zlrbase_assert.h"
+#include "zlr_assert_capture.h"
 
 #include <gtest/gtest.h>
 
@@ -9,60 +9,44 @@
 
 namespace {
 
-struct Report {
-    std::string expression;
-    std::string message;
-    bool has_message = false;
-    std::string path;
-    int line = 0;
-};
-Report g_last;
-
-int record(const char* expression, const char* message, const char* path, int line)
-{
-    g_last = {expression, message ? message : "", message != nullptr, path, line};
-    return 1;
-}
-
 class AssertionChannel : public ::testing::Test {
 protected:
-    void SetUp() override { m_previous = zlr::setAssertionHandler(&record); }
-    void TearDown() override { zlr::setAssertionHandler(m_previous); }
-    zlr::AssertionHandler m_previous = nullptr;
+    zlr::test::AssertCapture m_asserts;
+    const zlr::test::AssertReport& last() const { return m_asserts.last(); }
 };
 
 TEST_F(AssertionChannel, CarriesExpressionMessagePathAndLine)
 {
     const int line = __LINE__ + 1;
     ZLR_ASSERT(1 + 1 == 3);
-    EXPECT_EQ(g_last.expression, "1 + 1 == 3");
-    EXPECT_FALSE(g_last.has_message);
-    EXPECT_EQ(g_last.path, "assertion_channel_test");
-    EXPECT_EQ(g_last.line, line);
+    EXPECT_EQ(last().expression, "1 + 1 == 3");
+    EXPECT_FALSE(last().has_message);
+    EXPECT_EQ(last().path, "assertion_channel_test");
+    EXPECT_EQ(last().line, line);
 
     ZLR_ASSERT_MSG(false, "Unable to configure property %s", "Range");
-    EXPECT_EQ(g_last.message, "Unable to configure property Range");
+    EXPECT_EQ(last().message, "Unable to configure property Range");
 }
 
 TEST_F(AssertionChannel, FormatsMessagesIntoTwoHundredFiftySixCharacters)
 {
     const std::string long_text(400, 'x');
     ZLR_ASSERT_MSG(false, "%s", long_text.c_str());
-    EXPECT_EQ(g_last.message, std::string(255, 'x'));
+    EXPECT_EQ(last().message, std::string(255, 'x'));
 }
 
 TEST_F(AssertionChannel, ComparisonsNameTheirOperatorWordAndValues)
 {
     const int stride = 12;
     ZLR_ASSERT_EQ(stride % 8, 0);
-    EXPECT_EQ(g_last.expression, "stride % 8 != 0 (4 != 0)");
+    EXPECT_EQ(last().expression, "stride % 8 != 0 (4 != 0)");
     const unsigned start_sample = 9;
     const unsigned end_sample = 3;
     ZLR_ASSERT_LE(start_sample, end_sample);
-    EXPECT_EQ(g_last.expression, "start_sample <= end_sample (9 <= 3)");
-    g_last = {};
+    EXPECT_EQ(last().expression, "start_sample <= end_sample (9 <= 3)");
+    m_asserts.clear();
     ZLR_ASSERT_LE(end_sample, start_sample);
-    EXPECT_TRUE(g_last.expression.empty());
+    EXPECT_TRUE(m_asserts.reported().empty());
 }
 
 TEST(AssertionChannelDefault, GoesOnWithoutEffect)

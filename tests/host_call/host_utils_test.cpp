@@ -1,6 +1,7 @@
 // Typed queries, value factories and the two ways of sending data, against
 // the simulated host, whose ledger sees every reference come back.
 #include "sim_host.h"
+#include "zlr_assert_capture.h"
 #include "zlrapi_utils.h"
 #include "zlrbase_messages.h"
 
@@ -74,20 +75,13 @@ TEST(TypedQuery, ChannelFormsBuildThePathAndSkipTheAllOnesId)
 TEST(SendSyncXmlMessage, SendsTheTextAsAnXmlValueAndReportsALengthMismatch)
 {
     SimHost host;
-    static std::string reported;
-    const auto previous = zlr::setAssertionHandler(
-        [](const char* expression, const char*, const char*, int) {
-            reported = expression;
-            return 1;
-        });
-
+    zlr::test::AssertCapture asserts;
     const char* text = "<a/>";
     EXPECT_EQ(zlr::sendSyncXmlMessage(&host, 0x123, 9, text, std::strlen(text) + 1, nullptr), 0u);
-    EXPECT_TRUE(reported.empty());
+    EXPECT_TRUE(asserts.reported().empty());
     zlr::sendSyncXmlMessage(&host, 0x123, 9, text, 7, nullptr);
-    EXPECT_EQ(reported, "static_cast<std::size_t>(xml_msg->getLength()) != param_size - 1 "
-                        "(4 != 6)");
-    zlr::setAssertionHandler(previous);
+    EXPECT_EQ(asserts.reported(),
+              std::vector<std::string>{"static_cast<std::size_t>(xml_msg->getLength()) != param_size - 1 (4 != 6)"});
 
     const auto sent = host.messagesWithId(0x123);
     ASSERT_EQ(sent.size(), 2u);

@@ -1,15 +1,13 @@
 // The built frequency_measurement.plugin, loaded the way the host loads it.
 #include "plugin_loader.h"
 #include "sim_host.h"
+#include "zlr_run_command.h"
 #include "zlrbase_messages.h"
 
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <set>
 #include <sstream>
 #include <string>
@@ -21,20 +19,6 @@ using zelvar_sim::PluginSession;
 using zelvar_sim::SimHost;
 
 const char* const PLUGIN = FREQUENCY_MEASUREMENT_PLUGIN;
-
-std::string runCommand(const std::string& command)
-{
-    std::string output;
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    if (!pipe) {
-        return output;
-    }
-    std::array<char, 512> buffer{};
-    while (fgets(buffer.data(), buffer.size(), pipe.get())) {
-        output += buffer.data();
-    }
-    return output;
-}
 
 bool isLoaded(const char* path)
 {
@@ -49,7 +33,7 @@ bool isLoaded(const char* path)
 TEST(PluginFile, ExportsExactlyTheFourEntryPoints)
 {
     const std::string symbols =
-        runCommand(std::string("nm -D --defined-only ") + PLUGIN + " | awk '{print $3}'");
+        zlr::test::runCommand(std::string("nm -D --defined-only ") + PLUGIN + " | awk '{print $3}'");
     std::set<std::string> names;
     std::istringstream lines(symbols);
     for (std::string name; std::getline(lines, name);) {
@@ -60,7 +44,7 @@ TEST(PluginFile, ExportsExactlyTheFourEntryPoints)
     const std::set<std::string> expected = {"zvCreatePlugin", "zvDeletePlugin",
                                             "zvGetPluginManifest", "zvGetPluginName"};
     EXPECT_EQ(names, expected);
-    EXPECT_EQ(runCommand(std::string("readelf -sW ") + PLUGIN + " | grep -c UNIQUE"), "0\n");
+    EXPECT_EQ(zlr::test::runCommand(std::string("readelf -sW ") + PLUGIN + " | grep -c UNIQUE"), "0\n");
 }
 
 TEST(PluginFile, LeavesMemoryAtUnloadAndLoadsAgain)
@@ -116,13 +100,11 @@ TEST(PluginInit, ChecksTheHostNameAndVersion)
         const char* version;
         std::uint64_t code;
     };
+    // One row per outcome; the version comparison has its own table.
     const Case cases[] = {
-        {"Zelvar", "5.6", 0},     {"Zelvar", "5.6.0", 0},   {"Zelvar", "5.5.9", 12},
-        {"Zelvar", "5.10", 0},    {"Zelvar", "6", 0},       {"Zelvar", "5.06", 0},
-        {"Zelvar", "5.010", 0},   {"Zelvar", "5.09", 12},   {"Other", "5.6", 12},
-        {nullptr, "5.6", 12},     {"Zelvar", nullptr, 12},  {"Zelvar", "abc", 12},
-        {"Zelvar", "", 12},       {"Zelvar", "5..6", 12},   {"Zelvar", "5.99999999999999999999", 12},
-        {"Zelvar", "99999999999999999999", 12},
+        {"Zelvar", "5.6", 0},      {"Zelvar", "5.10", 0},   {"Zelvar", "5.5.9", 12},
+        {"Other", "5.6", 12},      {nullptr, "5.6", 12},    {"Zelvar", nullptr, 12},
+        {"Zelvar", "abc", 12},     {"Zelvar", "99999999999999999999", 12},
     };
     PluginLibrary library(PLUGIN);
     for (const Case& c : cases) {

@@ -1,11 +1,18 @@
-// The texts the host reads from the plug-in, byte for byte: the manifest
-// from its export, the two catalogues as the plug-in hands them over.
+// The texts the host reads from the plug-in: the manifest byte for byte, the
+// two catalogues checked against the settings they translate.
 #include "plugin_loader.h"
 #include "sim_host.h"
+#include "sim_software_channel_telegrams.h"
+#include "sim_values.h"
+#include "zlrapi_update_config_xml.h"
 #include "zlrbase_messages.h"
 
 #include <gtest/gtest.h>
+#include <pugixml.hpp>
 
+#include <algorithm>
+#include <map>
+#include <set>
 #include <string>
 
 namespace {
@@ -22,37 +29,6 @@ const char* const EXPECTED_MANIFEST = R"(<?xml version="1.0"?>
 </ZelvarPlugin>
 )";
 
-const char* const EXPECTED_ENGLISH = R"(<?xml version="1.0"?>
-<TS version="2.1" language="en" sourcelanguage="en">
-    <context>
-        <name>ConfigKeys</name>
-        <message><source>FREQUENCY_MEASUREMENT/InputChannels</source><translation>Input channels</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/WindowOverlap</source><translation>Window overlap</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/WindowSize</source><translation>Window size</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/WindowLength</source><translation>Window duration</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/MinFrequency</source><translation>Min. frequency</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/MaxFrequency</source><translation>Max. frequency</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/StatusText</source><translation>Status</translation></message>
-    </context>
-</TS>
-)";
-
-// This file is UTF-8; the umlauts below must reach the host as those bytes.
-const char* const EXPECTED_GERMAN = R"(<?xml version="1.0" encoding="UTF-8" ?>
-<TS version="2.1" language="de" sourcelanguage="en">
-    <context>
-        <name>ConfigKeys</name>
-        <message><source>FREQUENCY_MEASUREMENT/InputChannels</source><translation>Eingangskanäle</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/WindowOverlap</source><translation>Fensterüberlappung</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/WindowSize</source><translation>Fenstergröße</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/WindowLength</source><translation>Fensterdauer</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/MinFrequency</source><translation>Min. Frequenz</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/MaxFrequency</source><translation>Max. Frequenz</translation></message>
-        <message><source>FREQUENCY_MEASUREMENT/StatusText</source><translation>Status</translation></message>
-    </context>
-</TS>
-)";
-
 TEST(PluginTexts, ManifestAndNameAreExact)
 {
     zelvar_sim::PluginLibrary library(PLUGIN);
@@ -61,7 +37,34 @@ TEST(PluginTexts, ManifestAndNameAreExact)
     EXPECT_EQ(library.manifestInfo().minimum_host_version, "5.6");
 }
 
-TEST(PluginTexts, CataloguesGoToTheHostEnglishFirstThenGerman)
+// The sources of a catalogue, each with its translation.
+std::map<std::string, std::string> translations(const std::string& text, const char* language)
+{
+    pugi::xml_document document;
+    EXPECT_TRUE(document.load_string(text.c_str())) << text;
+    const pugi::xml_node ts = document.child("TS");
+    EXPECT_STREQ(ts.attribute("language").value(), language);
+    EXPECT_STREQ(ts.attribute("sourcelanguage").value(), "en");
+    std::map<std::string, std::string> entries;
+    for (const pugi::xml_node message : ts.child("context").children("message")) {
+        const std::string translation = message.child_value("translation");
+        EXPECT_FALSE(translation.empty()) << message.child_value("source");
+        EXPECT_TRUE(entries.emplace(message.child_value("source"), translation).second)
+            << "twice: " << message.child_value("source");
+    }
+    return entries;
+}
+
+std::set<std::string> keysOf(const std::map<std::string, std::string>& catalogue)
+{
+    std::set<std::string> keys;
+    for (const auto& [key, text] : catalogue) keys.insert(key);
+    return keys;
+}
+
+// Both catalogues reach the host, English first, as XML values, and
+// translate the same keys, all of them the plug-in's own.
+TEST(PluginTexts, CataloguesTranslateTheSameKeysInBothLanguages)
 {
     zelvar_sim::SimHost host;
     host.setIdentity("Zelvar", "5.6");
@@ -75,9 +78,45 @@ TEST(PluginTexts, CataloguesGoToTheHostEnglishFirstThenGerman)
         EXPECT_EQ(message.value_type, zlr::VALUE_TYPE_XML);
         EXPECT_TRUE(message.wants_result);
     }
-    EXPECT_EQ(sent[0].text, EXPECTED_ENGLISH);
-    EXPECT_EQ(sent[1].text, EXPECTED_GERMAN);
-    EXPECT_NE(sent[1].text.find("Fenstergr\xC3\xB6\xC3\x9F" "e"), std::string::npos);
+    const auto english = keysOf(translations(sent[0].text, "en"));
+    EXPECT_EQ(english, keysOf(translations(sent[1].text, "de")));
+    EXPECT_FALSE(english.empty());
+    for (const std::string& key : english) {
+        EXPECT_EQ(key.rfind(library.name() + "/", 0), 0u) << key;
+    }
+    // The German texts arrive as UTF-8, as the catalogue says.
+    EXPECT_NE(sent[1].text.find("encoding=\"UTF-8\""), std::string::npos);
+    EXPECT_TRUE(std::any_of(sent[1].text.begin(), sent[1].text.end(), [](char c) { return c & 0x80; }));
+}
+
+// Every setting that a new channel offers has its text.
+TEST(PluginTexts, EverySettingOfAChannelIsTranslated)
+{
+    zelvar_sim::SimHost host;
+    host.setIdentity("Zelvar", "5.6");
+    zelvar_sim::PluginLibrary library(PLUGIN);
+    zelvar_sim::PluginSession session(library, host);
+    const auto english =
+        keysOf(translations(host.messagesWithId(zlr::HOST_ADD_TRANSLATION).at(0).text, "en"));
+    zelvar_sim::XmlValue request(host.ledger(),
+                                 zelvar_sim::writeCreateSoftwareChannel("frequency_measurement", {}, {}));
+    if (session.send(zlr::PLUGIN_SOFTWARE_CHANNEL_CREATE, 0, &request) == zlr::RESULT_NOT_HANDLED) {
+        GTEST_SKIP() << "the plug-in makes no channels yet";
+    }
+    std::set<std::string> settings;
+    for (const auto& message : host.messagesWithId(zlr::HOST_UPDATE_CONFIG)) {
+        zlr::UpdateConfigTelegram telegram;
+        ASSERT_TRUE(telegram.parse(message.text.data(), message.text.size()));
+        for (const auto& channel : telegram.m_channels) {
+            for (const auto& property : channel.m_properties) {
+                settings.insert(property.getName());
+            }
+        }
+    }
+    EXPECT_FALSE(settings.empty());
+    for (const std::string& name : settings) {
+        EXPECT_TRUE(english.count(name)) << name;
+    }
 }
 
 } // namespace

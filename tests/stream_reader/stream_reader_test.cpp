@@ -1,5 +1,5 @@
 // Iterators built from blocks laid out in memory as the host lays them out.
-#include "zlrbase_assert.h"
+#include "zlr_assert_capture.h"
 #include "zlrfw_stream_reader.h"
 
 #include <gtest/gtest.h>
@@ -19,23 +19,6 @@ using namespace zlr;
 using namespace zlr::framework;
 
 constexpr std::uint64_t ALL = ~std::uint64_t{0};
-
-// Collects assertion reports for one test.
-struct Reports {
-    Reports() { previous = setAssertionHandler(&record); texts().clear(); }
-    ~Reports() { setAssertionHandler(previous); }
-    static std::vector<std::string>& texts()
-    {
-        static std::vector<std::string> all;
-        return all;
-    }
-    static int record(const char* expression, const char*, const char*, int)
-    {
-        texts().push_back(expression);
-        return 1;
-    }
-    AssertionHandler previous;
-};
 
 ChannelDescriptor doubleChannel(std::uint64_t id, std::uint32_t stride_bits = 64)
 {
@@ -137,9 +120,9 @@ TEST(StreamReader, SynchronousBlocksComeOutInTickOrderWithGapsAsNaN)
         }
         reader.setStreamDescriptor({4, {doubleChannel(3), doubleChannel(9)}});
 
-        Reports reports;
+        test::AssertCapture reports;
         StreamIterator it = reader.createChannelIterator(9, {0, range_end});
-        EXPECT_TRUE(Reports::texts().empty()) << Reports::texts().front();
+        EXPECT_TRUE(reports.reported().empty()) << reports.reported().front();
         EXPECT_EQ(it.getTotalSampleCount(), expected.size());
 
         const Walk only_data = walk(it);
@@ -232,7 +215,7 @@ TEST(StreamReader, TimestampedAndVariableRecordsAreSteppedByTheirOwnFields)
     reader.addDataBlock({7, 48, {{0, 3, 0, 0, 40, 2}}}, early.data());
     reader.setStreamDescriptor({7, {timestamped, variable, sync_despite_size}});
 
-    Reports reports;
+    test::AssertCapture reports;
     const Walk fixed = walk(reader.createChannelIterator(1, {0, ALL}));
     EXPECT_EQ(fixed.ticks, (std::vector<std::uint64_t>{100, 107, 200}));
     EXPECT_EQ(fixed.values, (std::vector<double>{1.0, 2.0, 3.0}));
@@ -245,7 +228,7 @@ TEST(StreamReader, TimestampedAndVariableRecordsAreSteppedByTheirOwnFields)
 
     const Walk sync = walk(reader.createChannelIterator(3, {0, ALL}));
     EXPECT_EQ(sync.ticks, (std::vector<std::uint64_t>{40, 41}));
-    EXPECT_TRUE(Reports::texts().empty());
+    EXPECT_TRUE(reports.reported().empty());
 }
 
 TEST(StreamReader, ReportsMisalignmentAndCountsThatDoNotAddUp)
@@ -255,10 +238,10 @@ TEST(StreamReader, ReportsMisalignmentAndCountsThatDoNotAddUp)
     reader.addDataBlock({1, 128, {{0, 5, 0, 0, 0, 9}}}, bytes.data());
     reader.setStreamDescriptor({1, {doubleChannel(5, 76)}}); // 76 bits: 76 mod 8 is 4
 
-    Reports reports;
+    test::AssertCapture reports;
     reader.createChannelIterator(5, {0, 0});
-    ASSERT_FALSE(Reports::texts().empty());
-    EXPECT_EQ(Reports::texts().front(), "channel_descriptor->m_stride % 8 != 0 (4 != 0)");
+    ASSERT_FALSE(reports.reported().empty());
+    EXPECT_EQ(reports.reported().front(), "channel_descriptor->m_stride % 8 != 0 (4 != 0)");
 
     // Nine records announced, but the sizes in the block walk seven.
     ChannelDescriptor variable = doubleChannel(6, 64);
@@ -268,10 +251,10 @@ TEST(StreamReader, ReportsMisalignmentAndCountsThatDoNotAddUp)
     StreamReader short_reader;
     short_reader.addDataBlock({1, 56, {{0, 6, 0, 0, 0, 9}}}, zeros.data());
     short_reader.setStreamDescriptor({1, {variable}});
-    Reports::texts().clear();
+    reports.clear();
     short_reader.createChannelIterator(6, {0, 0});
-    ASSERT_EQ(Reports::texts().size(), 1u);
-    EXPECT_EQ(Reports::texts().front(), "iterator.getTotalSampleCount() != sample_count (7 != 9)");
+    ASSERT_EQ(reports.reported().size(), 1u);
+    EXPECT_EQ(reports.reported().front(), "iterator.getTotalSampleCount() != sample_count (7 != 9)");
 }
 
 TEST(StreamIterator, SetSkipGapsRewindsAHalfReadIterator)
@@ -291,9 +274,9 @@ TEST(StreamIterator, SetSkipGapsRewindsAHalfReadIterator)
     ++it;
     ++it;
     EXPECT_FALSE(it.valid());
-    Reports reports;
+    test::AssertCapture reports;
     ++it; // stepping an invalid iterator is reported and does nothing
-    EXPECT_EQ(Reports::texts(), std::vector<std::string>{"valid()"});
+    EXPECT_EQ(reports.reported(), std::vector<std::string>{"valid()"});
 }
 
 } // namespace

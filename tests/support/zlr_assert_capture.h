@@ -1,5 +1,5 @@
-// Test helper: records the expressions reported to the assertion channel
-// while it lives, and lets execution go on as the default handler does.
+// Test helper: records what reaches the assertion channel while it lives,
+// and lets execution go on as the default handler does.
 #pragma once
 
 #include "zlrbase_assert.h"
@@ -9,25 +9,42 @@
 
 namespace zlr::test {
 
+struct AssertReport {
+    std::string expression;
+    bool has_message = false;
+    std::string message;
+    std::string path;
+    int line = 0;
+};
+
 class AssertCapture {
 public:
-    AssertCapture() : m_former(setAssertionHandler(&record)) { expressions().clear(); }
+    AssertCapture() : m_former(setAssertionHandler(&record)) { reports().clear(); }
     ~AssertCapture() { setAssertionHandler(m_former); }
     AssertCapture(const AssertCapture&) = delete;
     AssertCapture& operator=(const AssertCapture&) = delete;
 
-    const std::vector<std::string>& reported() const { return expressions(); }
-    void clear() { expressions().clear(); }
+    // The expressions reported so far, oldest first.
+    std::vector<std::string> reported() const
+    {
+        std::vector<std::string> expressions;
+        for (const AssertReport& report : reports()) {
+            expressions.push_back(report.expression);
+        }
+        return expressions;
+    }
+    const AssertReport& last() const { return reports().back(); }
+    void clear() { reports().clear(); }
 
 private:
-    static std::vector<std::string>& expressions()
+    static std::vector<AssertReport>& reports()
     {
-        static std::vector<std::string> list;
+        static std::vector<AssertReport> list;
         return list;
     }
-    static int record(const char* expression, const char*, const char*, int)
+    static int record(const char* expression, const char* message, const char* path, int line)
     {
-        expressions().emplace_back(expression);
+        reports().push_back({expression, message != nullptr, message ? message : "", path, line});
         return 1;
     }
 

@@ -13,6 +13,8 @@ namespace zlr {
 struct ChangedChannelConfig {
     std::uint64_t m_channel_id = 0;
     std::vector<Property> m_properties;
+
+    bool operator==(const ChangedChannelConfig&) const = default;
 };
 
 struct ChannelConfigChangedTelegram {
@@ -21,6 +23,8 @@ struct ChannelConfigChangedTelegram {
     // Every child of the root must be a "Channel" with an "id". Reading a
     // channel's properties stops at the first one that does not read.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const ChannelConfigChangedTelegram&) const = default;
 };
 
 } // namespace zlr

@@ -15,6 +15,8 @@ struct ChannelDataFormatTelegram {
 
     // Needs the root "Channel", a "channel_id" and a readable "DataFormat".
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const ChannelDataFormatTelegram&) const = default;
 };
 
 } // namespace zlr

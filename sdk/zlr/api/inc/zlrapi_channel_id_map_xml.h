@@ -17,6 +17,8 @@ struct ChannelIDMapTelegram {
 
     // A repeated "first" overwrites the earlier pair; a missing number is 0.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const ChannelIDMapTelegram&) const = default;
 };
 
 } // namespace zlr

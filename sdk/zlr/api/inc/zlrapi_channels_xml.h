@@ -22,6 +22,8 @@ struct ChannelsTelegram {
     // Refuses another root. A "Channel" without a usable "channel_id" stops
     // the read with false; the entries before it stay.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const ChannelsTelegram&) const = default;
 };
 
 } // namespace zlr

@@ -32,6 +32,8 @@ struct DataBlockList {
     // "block_count" is required. An unreadable number answers false and
     // keeps what was read before it.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const DataBlockList&) const = default;
 };
 
 // One run of records of one channel inside a block; the offset is in bits
@@ -54,6 +56,8 @@ struct DataBlock {
 
     // Every attribute defaults to 0: only an empty or malformed text fails.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const DataBlock&) const = default;
 };
 
 // The answer to a data regions request: the "DataRegion" children of the root.
@@ -61,6 +65,8 @@ struct DataRegions {
     std::vector<DataRegion> m_regions;
 
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const DataRegions&) const = default;
 };
 
 } // namespace zlr

@@ -18,6 +18,8 @@ struct DataRegionsRequestTelegram {
     bool m_has_window = false;
 
     std::string generate() const;
+
+    bool operator==(const DataRegionsRequestTelegram&) const = default;
 };
 
 // HOST_DATA_REQUEST: the data of a window, of one point in time, or the next
@@ -39,6 +41,8 @@ struct DataTransferRequestTelegram {
     bool m_data_stream = false;
 
     std::string generate() const;
+
+    bool operator==(const DataTransferRequestTelegram&) const = default;
 };
 
 // HOST_DATA_STREAM_START: the stream form of the transfer request.
@@ -53,6 +57,8 @@ struct StreamRequestTelegram {
     StreamType m_stream_type = STREAM_TYPE_RAW;
 
     std::string generate() const;
+
+    bool operator==(const StreamRequestTelegram&) const = default;
 };
 
 // HOST_DATA_STREAM_STOP: the transfer request with the key alone.
@@ -60,6 +66,8 @@ struct StreamStopTelegram {
     std::uint64_t m_data_set_key = ~std::uint64_t{0};
 
     std::string generate() const;
+
+    bool operator==(const StreamStopTelegram&) const = default;
 };
 
 } // namespace zlr

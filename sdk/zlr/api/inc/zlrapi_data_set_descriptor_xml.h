@@ -55,6 +55,8 @@ struct StreamDescriptors {
     // Every number is required and read with automatic base; one that does
     // not convert, or does not fit its field, refuses the whole document.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const StreamDescriptors&) const = default;
 };
 
 } // namespace zlr

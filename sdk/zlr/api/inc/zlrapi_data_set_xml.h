@@ -18,6 +18,8 @@ struct RegisterDataSetTelegram {
     StreamPolicy m_policy = STREAM_POLICY_PUSH;
 
     std::string generate() const;
+
+    bool operator==(const RegisterDataSetTelegram&) const = default;
 };
 
 struct AcquisitionTaskAddTelegram {
@@ -27,6 +29,8 @@ struct AcquisitionTaskAddTelegram {
     double m_block_duration = 0.0;
 
     std::string generate() const;
+
+    bool operator==(const AcquisitionTaskAddTelegram&) const = default;
 };
 
 } // namespace zlr

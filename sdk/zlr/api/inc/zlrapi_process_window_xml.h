@@ -16,6 +16,8 @@ struct ProcessWindowTelegram {
     // child leaves its Timestamp at the default; one that does not read
     // leaves an invalid Timestamp and answers false.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const ProcessWindowTelegram&) const = default;
 };
 
 } // namespace zlr

@@ -41,6 +41,8 @@ struct Rational {
     std::int64_t m_numerator = 0;
     std::int64_t m_denominator = 0;
     std::string m_unit;
+
+    bool operator==(const Rational&) const = default;
 };
 
 struct DecoratedNumber {
@@ -53,11 +55,15 @@ struct DecoratedNumber {
     double m_val = 0.0;
     std::string m_prefix;
     std::string m_suffix;
+
+    bool operator==(const DecoratedNumber&) const = default;
 };
 
 template <typename T>
 struct ValueList {
     std::vector<T> m_values;
+
+    bool operator==(const ValueList&) const = default;
 };
 
 using Point = std::pair<double, double>;

@@ -16,6 +16,8 @@ struct RegisterSoftwareChannelTelegram {
     bool m_acquisition_capable = true;
 
     std::string generate() const;
+
+    bool operator==(const RegisterSoftwareChannelTelegram&) const = default;
 };
 
 } // namespace zlr

@@ -25,6 +25,8 @@ struct QuerySoftwareChannelActionTelegram {
     // Takes a zero-terminated text. Channels without a readable data format
     // are left out without a failure.
     bool parse(const char* text);
+
+    bool operator==(const QuerySoftwareChannelActionTelegram&) const = default;
 };
 
 struct CreateSoftwareChannelTelegram {
@@ -36,6 +38,8 @@ struct CreateSoftwareChannelTelegram {
     // Takes a zero-terminated text. Properties and input channels that do
     // not read are left out without a failure; none at all is legal.
     bool parse(const char* text);
+
+    bool operator==(const CreateSoftwareChannelTelegram&) const = default;
 };
 
 namespace detail {

@@ -15,6 +15,8 @@ struct CreateSoftwareChannelResponseTelegram {
     std::vector<std::uint32_t> m_created_channels;
 
     std::string generate() const;
+
+    bool operator==(const CreateSoftwareChannelResponseTelegram&) const = default;
 };
 
 struct QuerySoftwareChannelActionResponseTelegram {
@@ -22,6 +24,8 @@ struct QuerySoftwareChannelActionResponseTelegram {
     bool m_valid = false;
 
     std::string generate() const;
+
+    bool operator==(const QuerySoftwareChannelActionResponseTelegram&) const = default;
 };
 
 } // namespace zlr

@@ -44,6 +44,8 @@ struct UpdateConfigTelegram {
     // "Channel" and a channel without "local_id". Within a channel, reading
     // stops at the first malformed property and keeps what came before it.
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const UpdateConfigTelegram&) const = default;
 };
 
 // Writes each property as a "Property" element under `parent`, with its

@@ -62,6 +62,8 @@ struct UpdatePluginChannelsTelegram {
     std::string generate() const;
 
     bool parse(const char* text, std::size_t length);
+
+    bool operator==(const UpdatePluginChannelsTelegram&) const = default;
 };
 
 } // namespace zlr
