@@ -23,6 +23,7 @@ void readTelegram(const char* text, std::size_t length)
         narrow.emplace(static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(second));
     }
     const std::string written = zlr::writeChannelIDMap(narrow);
+    zlr::fuzz::expectWrittenForm(written);
     zlr::ChannelIDMapTelegram again;
     zlr::fuzz::expect(again.parse(written.data(), written.size()), "the written map reads");
     zlr::fuzz::expect(again.m_map == telegram.m_map, "the map reads back the same");

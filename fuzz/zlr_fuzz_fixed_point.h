@@ -21,6 +21,7 @@ template <typename Telegram, typename Parse, typename Write>
 void expectFixedPoint(const Telegram& first, Parse parse, Write write, bool strict = true)
 {
     const std::string once = write(first);
+    expectWrittenForm(once);
     Telegram second;
     const bool second_read = parse(second, once);
     if (strict) {

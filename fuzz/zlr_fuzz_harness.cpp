@@ -24,6 +24,18 @@ bool startsWith(const std::string& text, const char* prefix)
     return text.rfind(prefix, 0) == 0;
 }
 
+std::string& currentInput()
+{
+    static std::string input;
+    return input;
+}
+
+bool& inputInWrittenForm()
+{
+    static bool written_form = false;
+    return written_form;
+}
+
 bool endsWith(const std::string& text, const std::string& suffix)
 {
     return text.size() >= suffix.size() &&
@@ -67,7 +79,8 @@ bool isNumberTextError(const std::exception& error)
 void runReader(const std::uint8_t* data, std::size_t size, const TextReader& read)
 {
     prepareLogging();
-    const std::string text(reinterpret_cast<const char*>(data), size);
+    currentInput().assign(reinterpret_cast<const char*>(data), size);
+    const std::string text = currentInput();
     try {
         read(text.c_str(), text.size());
     } catch (const std::exception& error) {
@@ -75,6 +88,19 @@ void runReader(const std::uint8_t* data, std::size_t size, const TextReader& rea
             std::fprintf(stderr, "unexpected exception out of a reader: %s\n", error.what());
             std::abort();
         }
+    }
+}
+
+void setInputInWrittenForm(bool written_form)
+{
+    inputInWrittenForm() = written_form;
+}
+
+void expectWrittenForm(const std::string& written)
+{
+    if (inputInWrittenForm() && written != currentInput()) {
+        std::fprintf(stderr, "input:\n%s\nwritten:\n%s\n", currentInput().c_str(), written.c_str());
+        expect(false, "a text in written form is written back unchanged");
     }
 }
 

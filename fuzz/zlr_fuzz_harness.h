@@ -30,12 +30,24 @@ using TextReader = std::function<void(const char* text, std::size_t length)>;
 // Runs `read` over the input; aborts on any exception but a number-text one.
 void runReader(const std::uint8_t* data, std::size_t size, const TextReader& read);
 
+// Set by the seed replay for a seed that is written exactly as the writer
+// writes it: the first text written from what was read must then be the
+// input itself, so that nothing is lost or changed on the way.
+void setInputInWrittenForm(bool written_form);
+void expectWrittenForm(const std::string& written);
+
 } // namespace zlr::fuzz
 
+// The seed replay links all targets into one program and names each entry
+// point after its target.
+#ifndef ZLR_FUZZ_ENTRY
+#define ZLR_FUZZ_ENTRY LLVMFuzzerTestOneInput
+#endif
+
 // The libFuzzer entry point of a target whose reader is `reader`.
-#define ZLR_FUZZ_READER(reader)                                                        \
-    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) \
-    {                                                                                  \
-        zlr::fuzz::runReader(data, size, &(reader));                                   \
-        return 0;                                                                      \
+#define ZLR_FUZZ_READER(reader)                                                  \
+    extern "C" int ZLR_FUZZ_ENTRY(const std::uint8_t* data, std::size_t size)    \
+    {                                                                            \
+        zlr::fuzz::runReader(data, size, &(reader));                             \
+        return 0;                                                                \
     }

@@ -74,6 +74,7 @@ void readProperty(const char* text, std::size_t length)
         return;
     }
     const std::string once = written(property);
+    zlr::fuzz::expectWrittenForm(once);
     zlr::Property second;
     if (!readWritten(once, second)) {
         return;

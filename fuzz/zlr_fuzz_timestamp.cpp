@@ -16,6 +16,7 @@ void readTelegram(const char* text, std::size_t length)
         return;
     }
     const std::string written = zelvar_sim::writeMasterTimebaseValue(now);
+    zlr::fuzz::expectWrittenForm(written);
     zlr::Timestamp again;
     // A subnormal rate printed in decimal is refused by strtod's range check.
     if (!zlr::parseTimestamp(written.data(), written.size(), again)) {

@@ -194,7 +194,7 @@ TEST(Property, GettersRequireTheirTypeWithExactTexts)
             try {
                 getter.get(sample);
                 EXPECT_FALSE(must_throw) << expected;
-                EXPECT_TRUE(capture.records().empty());
+                EXPECT_TRUE(capture.messages().empty());
             } catch (const std::runtime_error& e) {
                 EXPECT_TRUE(must_throw) << expected;
                 EXPECT_EQ(e.what(), expected);

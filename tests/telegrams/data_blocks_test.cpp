@@ -1,5 +1,4 @@
 #include "zlr_assert_capture.h"
-#include "sim_data_set_writers.h"
 #include "zlrapi_data_block_xml.h"
 #include "zlrapi_data_set_descriptor_xml.h"
 
@@ -8,53 +7,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 #include <string>
 
 namespace {
 
 using zlr::test::parseText;
 
-zlr::StreamDescriptors randomDescriptors(std::mt19937_64& random)
-{
-    zlr::StreamDescriptors descriptors;
-    descriptors.m_data_set_key = random();
-    descriptors.m_stream_descriptors.resize(random() % 4);
-    for (auto& stream : descriptors.m_stream_descriptors) {
-        stream.m_stream_id = random();
-        stream.m_channels.resize(random() % 5);
-        for (auto& channel : stream.m_channels) {
-            channel.m_channel_id = random();
-            channel.m_dimension = static_cast<std::uint32_t>(random());
-            channel.m_size = static_cast<std::uint32_t>(random());
-            channel.m_stride = static_cast<std::uint32_t>(random());
-            channel.m_sample_type = static_cast<zlr::SampleType>(random() % 8);
-            channel.m_scale_factor = std::ldexp(double(random() >> 12), -30);
-            channel.m_scale_offset = -std::ldexp(double(random() >> 12), -40);
-            if (random() & 1) {
-                channel.m_timestamp_position = static_cast<std::int32_t>(random());
-            }
-            if (random() & 1) {
-                channel.m_sample_size_position = static_cast<std::int32_t>(random() >> 40);
-            }
-        }
-    }
-    return descriptors;
-}
-
 } // namespace
-
-TEST(StreamDescriptors, HostDescriptorsReadBack)
-{
-    std::mt19937_64 random(13);
-    for (int round = 0; round < 100; ++round) {
-        const zlr::StreamDescriptors written = randomDescriptors(random);
-        zlr::StreamDescriptors read;
-        ASSERT_TRUE(parseText(read, zelvar_sim::writeStreamDescriptors(written)));
-        EXPECT_EQ(read.m_data_set_key, written.m_data_set_key);
-        EXPECT_EQ(read.m_stream_descriptors, written.m_stream_descriptors);
-    }
-}
 
 TEST(StreamDescriptors, ReaderTable)
 {
@@ -106,45 +65,6 @@ TEST(StreamDescriptors, UnknownSampleTypeIsABlob)
     EXPECT_EQ(read.m_stream_descriptors.at(0).m_channels.at(0).m_sample_type, zlr::SAMPLE_TYPE_BLOB);
     ASSERT_EQ(recorder.reported().size(), 1u);
     EXPECT_EQ(recorder.reported()[0], "Unsupported Sample Type");
-}
-
-TEST(DataBlocks, HostDescriptionsReadBack)
-{
-    std::mt19937_64 random(17);
-    for (int round = 0; round < 100; ++round) {
-        zlr::DataBlockList list;
-        list.m_block_count = static_cast<std::uint32_t>(random());
-        list.m_intervals.resize(random() % 4);
-        for (auto& interval : list.m_intervals) {
-            interval = {std::ldexp(double(random()), -40), std::ldexp(double(random()), -20)};
-        }
-        list.m_regions.resize(random() % 4);
-        for (auto& region : list.m_regions) {
-            region = {random(), random(), random()};
-        }
-        zlr::DataBlockList list_read;
-        ASSERT_TRUE(parseText(list_read, zelvar_sim::writeDataBlockList(list)));
-        EXPECT_EQ(list_read.m_block_count, list.m_block_count);
-        EXPECT_EQ(list_read.m_intervals, list.m_intervals);
-        EXPECT_EQ(list_read.m_regions, list.m_regions);
-
-        zlr::DataRegions regions_read;
-        ASSERT_TRUE(parseText(regions_read, zelvar_sim::writeDataRegions(list.m_regions)));
-        EXPECT_EQ(regions_read.m_regions, list.m_regions);
-
-        zlr::DataBlock block;
-        block.m_stream_id = random();
-        block.m_data_size = random();
-        block.m_channels.resize(random() % 5);
-        for (auto& channel : block.m_channels) {
-            channel = {static_cast<std::uint32_t>(random()), random(), random(), random(), random(), random()};
-        }
-        zlr::DataBlock block_read;
-        ASSERT_TRUE(parseText(block_read, zelvar_sim::writeDataBlock(block)));
-        EXPECT_EQ(block_read.m_stream_id, block.m_stream_id);
-        EXPECT_EQ(block_read.m_data_size, block.m_data_size);
-        EXPECT_EQ(block_read.m_channels, block.m_channels);
-    }
 }
 
 TEST(DataBlocks, ReaderTable)

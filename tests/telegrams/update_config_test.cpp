@@ -1,5 +1,4 @@
 #include "zlr_assert_capture.h"
-#include "zlr_property_compare.h"
 #include "zlrapi_update_config_xml.h"
 
 #include "zlr_parse_text.h"
@@ -7,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <random>
 #include <string>
 
 namespace {
@@ -27,79 +25,6 @@ zlr::Property scalarProperty(const std::string& name, double value, const std::s
 }
 
 using zlr::test::parseText;
-
-std::string randomWord(std::mt19937& random)
-{
-    static const char letters[] = "abcXYZ <>&\"'_ 01";
-    std::string word(1 + random() % 8, 'a');
-    for (char& c : word) {
-        c = letters[random() % (sizeof letters - 1)];
-    }
-    return word;
-}
-
-// Without blanks at the ends, for the texts that the reader trims.
-std::string randomToken(std::mt19937& random)
-{
-    return "t" + std::to_string(random() % 1000) + "&<";
-}
-
-zlr::Property randomProperty(std::mt19937& random, const std::string& name)
-{
-    switch (random() % 6) {
-    case 0:
-        return zlr::Property(name, randomWord(random));
-    case 1:
-        return doubleProperty(name, std::ldexp(double(random()), -int(random() % 40)));
-    case 2:
-        return zlr::Property(name, static_cast<bool>(random() & 1));
-    case 3:
-        return zlr::Property(name, static_cast<std::int32_t>(random()));
-    case 4:
-        return zlr::Property(name, randomToken(random), "Mode");
-    default:
-        return scalarProperty(name, double(random()) / 7, randomToken(random));
-    }
-}
-
-zlr::Constraint randomConstraint(std::mt19937& random)
-{
-    switch (random() % 7) {
-    case 0: {
-        std::vector<zlr::Property> options;
-        for (unsigned i = random() % 4; i > 0; --i) {
-            options.push_back(randomProperty(random, "x"));
-        }
-        return zlr::Constraint::options(options);
-    }
-    case 1:
-        if (random() & 1) {
-            return zlr::Constraint::range(doubleProperty("a", double(random()) / 3),
-                                          doubleProperty("b", -double(random()) / 9));
-        }
-        return zlr::Constraint::range(scalarProperty("a", double(random()) / 3, randomWord(random)),
-                                      scalarProperty("b", 1e300, randomWord(random)));
-    case 2:
-        return zlr::Constraint::regularExpression(randomWord(random));
-    case 3:
-        return zlr::Constraint::freeText();
-    case 4:
-        return zlr::Constraint::channelIds(random(), static_cast<std::int32_t>(random()), randomWord(random));
-    case 5:
-        return zlr::Constraint::visibility(random() & 1 ? "HIDDEN" : "PUBLIC");
-    default: {
-        zlr::Constraint::FilePath file_path;
-        file_path.m_file_type = randomWord(random);
-        file_path.m_dialog_title = randomWord(random);
-        file_path.m_default_path = "/tmp/" + randomWord(random);
-        for (unsigned i = random() % 3; i > 0; --i) {
-            file_path.m_name_filters.push_back("*." + randomWord(random));
-        }
-        file_path.m_multi_select = random() & 1;
-        return zlr::Constraint::filePath(file_path);
-    }
-    }
-}
 
 } // namespace
 
@@ -197,51 +122,6 @@ TEST(UpdateConfig, KindAccessorsRefuseOtherKinds)
     ASSERT_EQ(options.getParameters().size(), 2u);
     EXPECT_EQ(options.getParameters()[0].getName(), "option");
     EXPECT_EQ(options.getParameters()[1].getName(), "option");
-}
-
-TEST(UpdateConfig, RandomTelegramsSurviveARoundTrip)
-{
-    std::mt19937 random(37);
-    for (int round = 0; round < 150; ++round) {
-        zlr::UpdateConfigTelegram written;
-        for (unsigned c = random() % 4; c > 0; --c) {
-            zlr::ChannelConfig& channel = written.getChannelConfig(random() % 10);
-            for (unsigned p = random() % 4; p > 0; --p) {
-                const std::string name = "p" + std::to_string(random() % 5);
-                channel.addProperty(name, randomProperty(random, name));
-                for (unsigned k = random() % 3; k > 0; --k) {
-                    channel.addConstraint(name, randomConstraint(random));
-                }
-            }
-        }
-        const std::string text = written.generate();
-        zlr::UpdateConfigTelegram read;
-        ASSERT_TRUE(parseText(read, text)) << text;
-        ASSERT_EQ(read.m_channels.size(), written.m_channels.size());
-        for (std::size_t c = 0; c < read.m_channels.size(); ++c) {
-            const auto& a = written.m_channels[c];
-            const auto& b = read.m_channels[c];
-            EXPECT_EQ(b.m_local_id, a.m_local_id);
-            ASSERT_EQ(b.m_properties.size(), a.m_properties.size());
-            for (std::size_t p = 0; p < a.m_properties.size(); ++p) {
-                EXPECT_TRUE(zlr::test::sameProperty(a.m_properties[p], b.m_properties[p]));
-            }
-            for (const auto& [name, constraints] : a.m_constraints) {
-                // Each property's constraints arrive once per property element.
-                std::size_t copies = 0;
-                for (const auto& property : a.m_properties) {
-                    copies += property.getName() == name;
-                }
-                ASSERT_EQ(b.m_constraints.at(name).size(), constraints.size() * copies) << text;
-                for (std::size_t k = 0; k < constraints.size(); ++k) {
-                    EXPECT_EQ(b.m_constraints.at(name)[k].getKind(), constraints[k].getKind());
-                    EXPECT_TRUE(zlr::test::samePropertyList(b.m_constraints.at(name)[k].getParameters(),
-                                                            constraints[k].getParameters()))
-                        << text;
-                }
-            }
-        }
-    }
 }
 
 TEST(UpdateConfig, ReaderTable)

@@ -1,4 +1,3 @@
-#include "zlr_property_compare.h"
 #include "zlrapi_update_plugin_channels_xml.h"
 
 #include "zlr_parse_text.h"
@@ -141,54 +140,6 @@ TEST(UpdatePluginChannels, ExactText)
 
     zlr::UpdatePluginChannelsTelegram empty;
     EXPECT_EQ(empty.generate(), R"(<?xml version="1.0"?><UpdatePluginChannels protocol_version="1.0"/>)");
-}
-
-TEST(UpdatePluginChannels, RandomTelegramsReadBack)
-{
-    std::mt19937 random(43);
-    const auto formats = std::vector<zlr::DataFormat>{{}, {13, 1, 1, 0, 0}, {12, 3, 8, 1, 1}, {19, 0, 2, 2, 2}};
-    for (int round = 0; round < 100; ++round) {
-        zlr::UpdatePluginChannelsTelegram written;
-        const std::uint32_t count = random() % 8;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            zlr::PluginChannelInfo info = channel(10 + i, i > 0 && (random() & 1) ? 10 + random() % i : zlr::NO_LOCAL_ID);
-            info.m_dataformat = formats[random() % formats.size()];
-            const std::uint32_t type = random() % 3;
-            info.m_timebase.m_type = type;
-            if (type != 0) {
-                info.m_timebase.m_frequency = double(random()) / 1024;
-                info.m_timebase.m_offset = type == 2 ? -double(random()) / 3 : 0.0;
-            }
-            info.m_default_name = (random() & 1) ? "" : " name \"" + std::to_string(i) + "\" ";
-            info.m_domain = (random() & 1) ? "" : "d&" + std::to_string(random() % 9);
-            info.m_deletable = random() & 1;
-            info.m_valid = random() & 1;
-            for (unsigned p = random() % 3; p > 0; --p) {
-                const std::string name = "SoftwareChannelInstanceKey" + std::to_string(p);
-                info.m_properties.emplace_back(name, "key" + std::to_string(random()));
-                info.m_constraints[name].push_back(zlr::Constraint::visibility("HIDDEN"));
-            }
-            written.m_channels.push_back(info);
-        }
-        for (unsigned t = random() % 3; t > 0; --t) {
-            written.m_topology.m_children.push_back({"g" + std::to_string(t), zlr::NO_LOCAL_ID, {{"", t, {}}, {"sub", zlr::NO_LOCAL_ID, {}}}});
-        }
-        std::shuffle(written.m_channels.begin(), written.m_channels.end(), random);
-
-        const std::string text = written.generate();
-        zlr::UpdatePluginChannelsTelegram read;
-        ASSERT_TRUE(parseText(read, text)) << text;
-        EXPECT_EQ(read.m_topology, written.m_topology);
-        const auto expected = zlr::sortParentFirst(written.m_channels);
-        ASSERT_EQ(read.m_channels.size(), expected.size());
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            EXPECT_EQ(read.m_channels[i], expected[i]) << text;
-            for (std::size_t p = 0; p < expected[i].m_properties.size(); ++p) {
-                EXPECT_TRUE(zlr::test::sameProperty(read.m_channels[i].m_properties.at(p), expected[i].m_properties[p]));
-            }
-        }
-        EXPECT_EQ(read.generate(), text);
-    }
 }
 
 TEST(UpdatePluginChannels, ReaderTable)
