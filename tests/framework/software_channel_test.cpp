@@ -479,6 +479,22 @@ TEST(SoftwareChannelPluginTest, LifeOfOneInstance)
         EXPECT_EQ(host.messagesWithId(HOST_REREGISTER_SOFTWARE_CHANNEL).at(0).text, registration);
         EXPECT_EQ(message(PLUGIN_EVENT, 3, nullptr), RESULT_NOT_HANDLED) << "no AllIds to read";
 
+        ProbeInstance& probe = *plugin.getInstances()[0];
+        probe.setInputs({5, 8}, *probe.getRootChannel());
+        EXPECT_EQ(message(PLUGIN_CHANNEL_IDS_MAPPED, 0, nullptr), RESULT_NOT_HANDLED);
+        const std::string remap =
+            R"(<ChannelIDMap><ChannelMappingPair first="5" second="6"/></ChannelIDMap>)";
+        EXPECT_EQ(message(PLUGIN_CHANNEL_IDS_MAPPED, 0, &remap), 0u);
+        EXPECT_EQ(std::static_pointer_cast<EditableChannelIDListProperty>(
+                      probe.getRootChannel()->getProperty(INPUTS))
+                      ->getValue(),
+                  (std::vector<std::uint64_t>{6, 8}));
+        std::vector<std::uint64_t> proxies;
+        for (const auto& proxy : probe.getInputChannels()) {
+            proxies.push_back(proxy->getChannelId());
+        }
+        EXPECT_EQ(proxies, (std::vector<std::uint64_t>{6, 8}));
+
         const std::string unreadable = "<Channels";
         EXPECT_EQ(message(PLUGIN_CHANNELS_CHECK, 0, &unreadable), 1u);
         const std::string other = R"(<Channels><Channel channel_id="999"/></Channels>)";

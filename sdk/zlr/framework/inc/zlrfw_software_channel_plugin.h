@@ -112,7 +112,7 @@ private:
     std::uint64_t removeChannels(IfValue* value);
     void clearInstances();
     void configurationApplied();
-    void channelIdsMapped(IfValue* value);
+    bool channelIdsMapped(IfValue* value);
 };
 
 template <typename T>
@@ -137,9 +137,8 @@ bool SoftwareChannelPlugin<T>::handleMessage(std::uint64_t id, std::uint64_t key
         answer = RESULT_OK;
         return true;
     case PLUGIN_CHANNEL_IDS_MAPPED:
-        channelIdsMapped(value);
         answer = RESULT_OK;
-        return true;
+        return channelIdsMapped(value);
     case PLUGIN_SOFTWARE_CHANNEL_CREATE:
         return createInstance(value, result);
     case PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION:
@@ -344,12 +343,12 @@ void SoftwareChannelPlugin<T>::configurationApplied()
 }
 
 template <typename T>
-void SoftwareChannelPlugin<T>::channelIdsMapped(IfValue* value)
+bool SoftwareChannelPlugin<T>::channelIdsMapped(IfValue* value)
 {
     const std::optional<std::string> text = detail::xmlText(value);
     ChannelIDMapTelegram telegram;
-    if (text) {
-        telegram.parse(text->c_str(), text->size());
+    if (!text || !telegram.parse(text->c_str(), text->size())) {
+        return false;
     }
     for (const std::shared_ptr<T>& instance : m_instances) {
         instance->applyChannelIdMap(telegram.m_map);
@@ -357,6 +356,7 @@ void SoftwareChannelPlugin<T>::channelIdsMapped(IfValue* value)
         instance->validate();
         m_plugin_channels->commitChanges(true);
     }
+    return true;
 }
 
 } // namespace zlr::framework
