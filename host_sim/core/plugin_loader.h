@@ -60,6 +60,9 @@ public:
     TextFunction nameFunction() const { return m_get_name; }
     TextFunction manifestFunction() const { return m_get_manifest; }
 
+    // The loader's handle of the module, for looking into it (dlinfo).
+    void* handle() const { return m_handle; }
+
 private:
     std::string m_path;
     void* m_handle = nullptr;

@@ -73,6 +73,18 @@ void SimHost::clearFaults()
     m_faults.clear();
 }
 
+std::vector<ValueQuery> SimHost::queries() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_queries;
+}
+
+void SimHost::clearQueries()
+{
+    std::lock_guard lock(m_mutex);
+    m_queries.clear();
+}
+
 std::vector<MessageRecord> SimHost::messages() const
 {
     std::lock_guard lock(m_mutex);
@@ -177,9 +189,14 @@ zlr::IfValue* SimHost::queryValue(const char* path, const char* key, std::uint64
                                   std::uint64_t)
 {
     if (!path || !key) {
+        std::lock_guard lock(m_mutex);
+        m_queries.push_back(ValueQuery{path ? path : "", key ? key : "", false});
         return nullptr;
     }
-    return m_tree.query(path, key);
+    zlr::IfValue* value = m_tree.query(path, key);
+    std::lock_guard lock(m_mutex);
+    m_queries.push_back(ValueQuery{path, key, value != nullptr});
+    return value;
 }
 
 std::string messageName(std::uint32_t id)
@@ -203,6 +220,26 @@ std::string messageName(std::uint32_t id)
         ZELVAR_SIM_NAME(HOST_DATA_REGIONS_REQUEST)
         ZELVAR_SIM_NAME(HOST_DATA_STREAM_START)
         ZELVAR_SIM_NAME(HOST_DATA_STREAM_STOP)
+        ZELVAR_SIM_NAME(PLUGIN_INIT)
+        ZELVAR_SIM_NAME(PLUGIN_FINISH)
+        ZELVAR_SIM_NAME(PLUGIN_EVENT)
+        ZELVAR_SIM_NAME(PLUGIN_CUSTOM_REQUEST)
+        ZELVAR_SIM_NAME(PLUGIN_CHANNELS_CHECK)
+        ZELVAR_SIM_NAME(PLUGIN_CONFIG_UPDATE)
+        ZELVAR_SIM_NAME(PLUGIN_CONFIG_RESTORE)
+        ZELVAR_SIM_NAME(PLUGIN_CONFIG_CLEAR)
+        ZELVAR_SIM_NAME(PLUGIN_CONFIG_APPLIED)
+        ZELVAR_SIM_NAME(PLUGIN_CHANNEL_IDS_MAPPED)
+        ZELVAR_SIM_NAME(PLUGIN_CHANNEL_DATA_FORMAT)
+        ZELVAR_SIM_NAME(PLUGIN_CHANNEL_CONFIG_CHANGED)
+        ZELVAR_SIM_NAME(PLUGIN_CHANNEL_STATUS)
+        ZELVAR_SIM_NAME(PLUGIN_TASK_PROCESS)
+        ZELVAR_SIM_NAME(PLUGIN_TASK_INIT_TIMEBASES)
+        ZELVAR_SIM_NAME(PLUGIN_TASK_PREPARE_PROCESSING)
+        ZELVAR_SIM_NAME(PLUGIN_TASK_STOP_PROCESSING)
+        ZELVAR_SIM_NAME(PLUGIN_SOFTWARE_CHANNEL_CREATE)
+        ZELVAR_SIM_NAME(PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION)
+        ZELVAR_SIM_NAME(PLUGIN_SOFTWARE_CHANNEL_HAS_INSTANCES)
 #undef ZELVAR_SIM_NAME
     default: {
         char text[16];

@@ -29,6 +29,13 @@ struct ProtocolFault {
     std::string telegram;
 };
 
+// One queryValue of the plug-in: what it asked for and whether the tree had it.
+struct ValueQuery {
+    std::string path;
+    std::string key;
+    bool found = false;
+};
+
 
 class SimHost : public zlr::IfHost {
 public:
@@ -66,6 +73,10 @@ public:
     // leaked. Zero once a plug-in has given every reference back.
     std::int64_t valuesOutsideTree() const;
 
+    // Every queryValue so far, in order.
+    std::vector<ValueQuery> queries() const;
+    void clearQueries();
+
     std::vector<MessageRecord> messages() const;
     std::vector<MessageRecord> messagesWithId(std::uint32_t id) const;
     void clearMessages();
@@ -90,9 +101,11 @@ private:
     std::map<std::uint32_t, Responder> m_responders;
     std::vector<std::shared_ptr<HostService>> m_services;
     std::vector<ProtocolFault> m_faults;
+    std::vector<ValueQuery> m_queries;
 };
 
-// The name of a message number, for printing ("HOST_ADD_TASK", ...), or its
+// The name of a message number of either direction, for printing
+// ("HOST_ADD_TASK", "PLUGIN_INIT", ...), or its
 // number in hexadecimal when it has none.
 std::string messageName(std::uint32_t id);
 

@@ -1,0 +1,158 @@
+#include "sim_scenario.h"
+
+#include <iostream>
+
+namespace zelvar_sim::test {
+namespace {
+
+constexpr const char* UNHANDLED_EXCEPTION = "Unhandled exception during ";
+constexpr unsigned ERROR_SEVERITY = 6;
+
+bool isUnhandledException(const LogRecord& record)
+{
+    return record.severity >= ERROR_SEVERITY &&
+           record.text.rfind(UNHANDLED_EXCEPTION, 0) == 0;
+}
+
+} // namespace
+
+const char* frequencyMeasurementPlugin()
+{
+    return FREQUENCY_MEASUREMENT_PLUGIN;
+}
+
+void SimScenario::SetUp()
+{
+    m_log = std::make_unique<LogSink>(LogSink::Recording{});
+    m_host = makeHost();
+    m_host->setIdentity(hostName(), hostVersion());
+    m_model = std::make_unique<HostModel>(*m_host);
+    m_acquisition = std::make_unique<Acquisition>(*m_host);
+    // The task registry takes only outputs that the host's tree shows.
+    PluginChannelTree& tree = m_model->channels();
+    m_acquisition->setOutputCheck([&tree](std::uint64_t local_id) {
+        return local_id <= 0xFFFFFFFFu && tree.channel(static_cast<std::uint32_t>(local_id));
+    });
+    prepareHost(*m_host);
+
+    m_library = std::make_unique<PluginLibrary>(FREQUENCY_MEASUREMENT_PLUGIN);
+    m_assertions = std::make_unique<AssertionHook>(*m_library);
+    if (!m_assertions->observable()) {
+        std::cerr << m_assertions->notice() << "\n";
+    }
+    m_session = std::make_unique<PluginSession>(*m_library, *m_host);
+    m_model->attach(*m_session);
+}
+
+void SimScenario::TearDown()
+{
+    if (m_model) {
+        m_model->detach();
+    }
+    if (m_session) {
+        m_session->finish();
+    }
+    if (m_assertions && m_log && m_host) {
+        checkStrictness();
+    }
+    if (HasFailure() && m_host && m_model) {
+        printHostState();
+    }
+    m_session.reset();
+    // The plug-in gets its default handler back before it leaves memory.
+    m_assertions.reset();
+    m_library.reset();
+    if (m_host) {
+        EXPECT_EQ(m_host->valuesOutsideTree(), 0) << "value objects still alive";
+    }
+    m_acquisition.reset();
+    m_model.reset();
+    m_host.reset();
+    m_log.reset();
+}
+
+void SimScenario::expectAssertion(const std::string& expression_part)
+{
+    m_expected_assertions.push_back({0, expression_part, false});
+}
+
+void SimScenario::expectFault(std::uint32_t message_id, const std::string& reason_part)
+{
+    m_expected_faults.push_back({message_id, reason_part, false});
+}
+
+void SimScenario::expectUnhandledException(const std::string& text_part)
+{
+    m_expected_exceptions.push_back({0, text_part, false});
+}
+
+void SimScenario::checkStrictness()
+{
+    auto declared = [](std::vector<Expected>& expected, std::uint32_t id,
+                       const std::string& text) {
+        bool allowed = false;
+        for (Expected& entry : expected) {
+            if ((entry.message_id == 0 || entry.message_id == id) &&
+                text.find(entry.part) != std::string::npos) {
+                entry.seen = allowed = true;
+            }
+        }
+        return allowed;
+    };
+    for (const AssertionRecord& record : m_assertions->records()) {
+        if (!declared(m_expected_assertions, 0, record.expression)) {
+            ADD_FAILURE() << "assertion of the plug-in: " << record.expression
+                          << (record.message.empty() ? "" : " \"" + record.message + "\"")
+                          << " at " << record.path << ":" << record.line;
+        }
+    }
+    for (const ProtocolFault& fault : m_host->faults()) {
+        if (!declared(m_expected_faults, fault.message_id, fault.reason)) {
+            ADD_FAILURE() << "protocol fault: " << messageName(fault.message_id) << ": "
+                          << fault.reason << "\n  " << fault.telegram;
+        }
+    }
+    for (const LogRecord& record : m_log->records()) {
+        if (isUnhandledException(record) && !declared(m_expected_exceptions, 0, record.text)) {
+            ADD_FAILURE() << "logged: " << record.text;
+        }
+    }
+    auto unseen = [](const std::vector<Expected>& expected, const char* what) {
+        for (const Expected& entry : expected) {
+            if (!entry.seen) {
+                ADD_FAILURE() << what << " declared but never seen: "
+                              << (entry.message_id ? messageName(entry.message_id) + " " : "")
+                              << "\"" << entry.part << "\"";
+            }
+        }
+    };
+    unseen(m_expected_assertions, "assertion");
+    unseen(m_expected_faults, "protocol fault");
+    unseen(m_expected_exceptions, "unhandled exception");
+}
+
+void SimScenario::printHostState()
+{
+    std::cout << "--- the simulated host at the end ---\n" << m_model->dump();
+    if (m_assertions) {
+        for (const AssertionRecord& record : m_assertions->records()) {
+            std::cout << "assertion: " << record.expression << " at " << record.path << ":"
+                      << record.line << "\n";
+        }
+    }
+    if (m_log) {
+        for (const LogRecord& record : m_log->records()) {
+            if (record.severity >= 5) {
+                std::cout << "log " << record.channel << " " << record.severity << ": "
+                          << record.text << "\n";
+            }
+        }
+    }
+    std::cout << "messages from the plug-in:\n";
+    for (const MessageRecord& message : m_host->messages()) {
+        std::cout << "  " << messageName(message.id) << " key " << message.key << " answer "
+                  << message.answer << "\n";
+    }
+}
+
+} // namespace zelvar_sim::test
