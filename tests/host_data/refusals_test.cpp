@@ -115,6 +115,7 @@ const RefusalCase CASES[] = {
      },
      4, zlr::HOST_DATA_REGIONS_REQUEST, "not registered"},
     {"sample block of two doubles", [](Bench& b) { return writeBytes(b, 24); }, 0, 0, ""},
+    {"sample block of no values", [](Bench& b) { return writeBytes(b, 8); }, 0, 0, ""},
     {"sample block shorter than its index", [](Bench& b) { return writeBytes(b, 4); }, 1,
      zlr::HOST_WRITE_SAMPLES, "4 bytes"},
     {"sample block with a broken double", [](Bench& b) { return writeBytes(b, 20); }, 1,
