@@ -27,6 +27,14 @@ std::uint64_t MasterClock::ticksAtOrAfter(double seconds) const
     return static_cast<std::uint64_t>(std::ceil(seconds * m_now.frequency));
 }
 
+std::uint64_t MasterClock::ticksAtOrBefore(double seconds) const
+{
+    if (!(seconds > 0.0)) {
+        return 0;
+    }
+    return static_cast<std::uint64_t>(std::floor(seconds * m_now.frequency));
+}
+
 void MasterClock::setAnalysisMode(bool active)
 {
     m_host.tree().setBoolean(zlr::tree::ZELVAR, zlr::tree::ANALYSIS_MODE_ACTIVE, active);

@@ -21,8 +21,9 @@ public:
     double frequency() const { return m_now.frequency; }
     double seconds() const { return static_cast<double>(m_now.ticks) / m_now.frequency; }
 
-    // The first tick at or after `seconds`.
+    // The first tick at or after `seconds`, and the last at or before.
     std::uint64_t ticksAtOrAfter(double seconds) const;
+    std::uint64_t ticksAtOrBefore(double seconds) const;
 
     void setAnalysisMode(bool active);
 

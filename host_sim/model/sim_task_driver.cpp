@@ -55,7 +55,14 @@ RunReport TaskDriver::run(const PluginSender& send, const RunOptions& options)
     sendToAll(zlr::PLUGIN_TASK_INIT_TIMEBASES);
     sendToAll(zlr::PLUGIN_TASK_PREPARE_PROCESSING);
 
-    const std::uint64_t end_ticks = m_clock.ticksAtOrAfter(report.end_seconds);
+    // A stream's last block ends exactly at the end, so the clock must reach
+    // it. A window rather stops short of a tick than take in a sample behind
+    // the recording, which the plug-in would read as a gap.
+    const std::uint64_t end_ticks =
+        options.mode == ProcessMode::stream
+            ? m_clock.ticksAtOrAfter(report.end_seconds)
+            : std::max(m_clock.ticksAtOrBefore(report.end_seconds),
+                       std::min<std::uint64_t>(1, m_clock.ticksAtOrAfter(report.end_seconds)));
     const std::uint64_t interval =
         std::max<std::uint64_t>(1, m_clock.ticksAtOrAfter(options.process_interval));
     std::uint64_t extra_steps = 0;
