@@ -12,13 +12,9 @@ constexpr int RADIX = 4;
 constexpr int THRESHOLD = 8192;
 
 class FFT0 final : public StockhamFFT0<RADIX, THRESHOLD> {
-public:
-    void forward(complex_t* x, complex_t* y) override;
-    void forward_raw(complex_t* x, complex_t* y) override;
-    void forward_unitary(complex_t* x, complex_t* y) override;
-    void inverse(complex_t* x, complex_t* y) override;
-    void inverse_unitary(complex_t* x, complex_t* y) override;
-    void inverse_norm(complex_t* x, complex_t* y) override;
+protected:
+    void pick_forward_chains(int log_N, chain_fn (&chains)[3]) const override;
+    void pick_inverse_chains(int log_N, chain_fn (&chains)[3]) const override;
 };
 
 } // namespace ZFFT_AVXDIT4

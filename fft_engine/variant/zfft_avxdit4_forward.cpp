@@ -7,19 +7,9 @@
 namespace ZFFT_VARIANT {
 namespace ZFFT_AVXDIT4 {
 
-void FFT0::forward(complex_t* x, complex_t* y)
+void FFT0::pick_forward_chains(int log_N, chain_fn (&chains)[3]) const
 {
-    stockham_transform<RADIX, Flow::dit, THRESHOLD, Direction::forward, Scaling::by_n>(log_N, x, y, W);
-}
-
-void FFT0::forward_raw(complex_t* x, complex_t* y)
-{
-    stockham_transform<RADIX, Flow::dit, THRESHOLD, Direction::forward, Scaling::none>(log_N, x, y, W);
-}
-
-void FFT0::forward_unitary(complex_t* x, complex_t* y)
-{
-    stockham_transform<RADIX, Flow::dit, THRESHOLD, Direction::forward, Scaling::by_sqrt_n>(log_N, x, y, W);
+    pick_stockham_chains<RADIX, Flow::dit, THRESHOLD, Direction::forward>(log_N, chains);
 }
 
 } // namespace ZFFT_AVXDIT4

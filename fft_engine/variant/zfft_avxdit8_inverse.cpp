@@ -7,19 +7,9 @@
 namespace ZFFT_VARIANT {
 namespace ZFFT_AVXDIT8 {
 
-void FFT0::inverse(complex_t* x, complex_t* y)
+void FFT0::pick_inverse_chains(int log_N, chain_fn (&chains)[3]) const
 {
-    stockham_transform<RADIX, Flow::dit, THRESHOLD, Direction::inverse, Scaling::none>(log_N, x, y, W);
-}
-
-void FFT0::inverse_unitary(complex_t* x, complex_t* y)
-{
-    stockham_transform<RADIX, Flow::dit, THRESHOLD, Direction::inverse, Scaling::by_sqrt_n>(log_N, x, y, W);
-}
-
-void FFT0::inverse_norm(complex_t* x, complex_t* y)
-{
-    stockham_transform<RADIX, Flow::dit, THRESHOLD, Direction::inverse, Scaling::by_n>(log_N, x, y, W);
+    pick_stockham_chains<RADIX, Flow::dit, THRESHOLD, Direction::inverse>(log_N, chains);
 }
 
 } // namespace ZFFT_AVXDIT8

@@ -29,6 +29,12 @@ public:
     virtual void inverse_unitary(complex_t* x, complex_t* y) = 0;
     // Scaled by 1/N.
     virtual void inverse_norm(complex_t* x, complex_t* y) = 0;
+
+    // forward_raw of the N values at in, which are only read and may be x
+    // itself; the result stands in x. The real transform hands its samples
+    // over this way, so that a first pass that reads in directly saves it a
+    // copy.
+    virtual void forward_raw_from(const complex_t* in, complex_t* x, complex_t* y) = 0;
 };
 
 } // namespace ZFFT_VARIANT

@@ -4,6 +4,7 @@
 #include "zfft_work_share.h"
 
 #include <cmath>
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -406,6 +407,16 @@ void FFT0::forward(complex_t* x, complex_t* y)
 
 void FFT0::forward_raw(complex_t* x, complex_t* y)
 {
+    run(false, x, y);
+}
+
+// The factorisation starts with whichever radix divides N, so the input is
+// copied into place first.
+void FFT0::forward_raw_from(const complex_t* in, complex_t* x, complex_t* y)
+{
+    if (in != x && N > 0) {
+        std::memcpy(static_cast<void*>(x), in, static_cast<std::size_t>(N) * sizeof(complex_t));
+    }
     run(false, x, y);
 }
 

@@ -27,6 +27,7 @@ public:
     void inverse(complex_t* x, complex_t* y) override;
     void inverse_unitary(complex_t* x, complex_t* y) override;
     void inverse_norm(complex_t* x, complex_t* y) override;
+    void forward_raw_from(const complex_t* in, complex_t* x, complex_t* y) override;
 
     int size() const { return N; }
 

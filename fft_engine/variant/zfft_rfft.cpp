@@ -21,52 +21,47 @@ inline cvec2 reversed(cvec2 v)
     return cvec2::combine(v.hi(), v.lo());
 }
 
-// Step 5 of the forward frame for k in [k0, k1): X[k] = z[k] - W[k] d with
-// d = z[k] - conj z[Nh-k], and the partner bin Nh-k from the same values.
-// Two neighbouring k share a vector below Nq, where the partners are
-// distinct; at k = Nq both stores hit y[Nq] and the second one stands.
+// Steps 5 and 6 of the forward frame for k in [k0, k1), within 1 .. Nq:
+// X[k] = z[k] - W[k] d with d = z[k] - conj z[Nh-k], the partner bin Nh-k
+// from the same values, and the mirror bins N-k and Nh+k, which are where
+// z[Nh-k] and z[k] were read. So each k touches only its own four places
+// and no pass over y follows. Two neighbouring k share a vector below Nq,
+// where the partners are distinct; at k = Nq the two stores of y[Nq] and of
+// y[N-Nq] hit one place each, and the second one stands.
 template <bool Scaled>
-void split(complex_t* y, const complex_t* W, long Nh, long Nq, long k0, long k1, double r)
+void split_and_mirror(complex_t* y, const complex_t* W, long Nh, long Nq, long k0, long k1, double r)
 {
-    const complex_t* z = y + Nh;
+    complex_t* z = y + Nh;
     long k = k0;
     for (; k + 1 < k1 && k + 1 < Nq; k += 2) {
         const cvec2 a = cvec2::load(z + k);
         const cvec2 b = conj(reversed(cvec2::load(z + Nh - k - 1)));
         const cvec2 e = mul(cvec2::load(W + k), a - b);
         cvec2 lo = a - e;
-        cvec2 hi = conj(e + b);
+        cvec2 t = e + b;
         if constexpr (Scaled) {
             lo = scale(lo, r);
-            hi = scale(hi, r);
+            t = scale(t, r);
         }
         lo.store(y + k);
-        reversed(hi).store(y + Nh - k - 1);
+        reversed(conj(t)).store(y + Nh - k - 1);
+        reversed(conj(lo)).store(z + Nh - k - 1);
+        t.store(z + k);
     }
     for (; k < k1; ++k) {
         const cvec1 a = cvec1::load(z + k);
         const cvec1 b = conj(cvec1::load(z + Nh - k));
         const cvec1 e = mul(cvec1::load(W + k), a - b);
         cvec1 lo = a - e;
-        cvec1 hi = conj(e + b);
+        cvec1 t = e + b;
         if constexpr (Scaled) {
             lo = scale(lo, r);
-            hi = scale(hi, r);
+            t = scale(t, r);
         }
         lo.store(y + k);
-        hi.store(y + Nh - k);
-    }
-}
-
-// Step 6: y[N-k] = conj y[k] for k in [k0, k1).
-void mirror(complex_t* y, long N, long k0, long k1)
-{
-    long k = k0;
-    for (; k + 1 < k1; k += 2) {
-        reversed(conj(cvec2::load(y + k))).store(y + N - k - 1);
-    }
-    for (; k < k1; ++k) {
-        conj(cvec1::load(y + k)).store(y + N - k);
+        conj(t).store(y + Nh - k);
+        conj(lo).store(z + Nh - k);
+        t.store(z + k);
     }
 }
 
@@ -189,7 +184,9 @@ void RFFT::fill_table(int log_n)
     }
 }
 
-void RFFT::run_forward(const double* x, complex_t* y, Scaling scaling) const
+// Always inlined into the three forward operations, so that each holds the
+// frame of its own scaling without a test of it.
+[[gnu::always_inline]] inline void RFFT::run_forward(const double* x, complex_t* y, Scaling S) const
 {
     if (N < 1) {
         return;
@@ -204,21 +201,23 @@ void RFFT::run_forward(const double* x, complex_t* y, Scaling scaling) const
     complex_t* z = y + Nh;
 
     // The samples, read as pairs, are the complex input of the half-size
-    // transform; the lower half of y is its work space.
-    std::memcpy(static_cast<void*>(z), x, static_cast<std::size_t>(Nh) * sizeof(complex_t));
-    // One complex point is its own transform: an empty handle needs no call.
+    // transform, which reads them in place and leaves its result in z; the
+    // lower half of y is its work space. One complex point is its own
+    // transform: an empty handle needs no call.
     if (FFT_IF* inner = m_inner.get()) {
-        inner->forward_raw(z, y);
+        inner->forward_raw_from(reinterpret_cast<const complex_t*>(x), z, y);
+    } else {
+        std::memcpy(static_cast<void*>(z), x, sizeof(complex_t));
     }
 
     double dc = z[0].re + z[0].im;
     double nyquist = z[0].re - z[0].im;
     double r = 1.0;
-    if (scaling == Scaling::by_n) {
+    if (S == Scaling::by_n) {
         dc /= static_cast<double>(n);
         nyquist /= static_cast<double>(n);
         r = 1.0 / static_cast<double>(n);
-    } else if (scaling == Scaling::by_sqrt_n) {
+    } else if (S == Scaling::by_sqrt_n) {
         dc /= std::sqrt(static_cast<double>(n));
         nyquist /= std::sqrt(static_cast<double>(n));
         r = 1.0 / std::sqrt(static_cast<double>(n));
@@ -227,23 +226,18 @@ void RFFT::run_forward(const double* x, complex_t* y, Scaling scaling) const
     z[0] = {nyquist, 0.0};
 
     const complex_t* table = W;
-    auto split_and_mirror = [=] {
-        shared_loop(1, Nq + 1, [=](long k0, long k1) {
-            if (scaling == Scaling::none) {
-                split<false>(y, table, Nh, Nq, k0, k1, r);
-            } else {
-                split<true>(y, table, Nh, Nq, k0, k1, r);
-            }
-        });
-        // The mirror overwrites z, which other threads may still be reading.
-#pragma omp barrier
-        shared_loop(1, Nh, [=](long k0, long k1) { mirror(y, n, k0, k1); });
+    const auto split_range = [=](long k0, long k1) {
+        if (S == Scaling::none) {
+            split_and_mirror<false>(y, table, Nh, Nq, k0, k1, r);
+        } else {
+            split_and_mirror<true>(y, table, Nh, Nq, k0, k1, r);
+        }
     };
     if (n >= PARALLEL_TRANSFORM_FROM) {
 #pragma omp parallel
-        split_and_mirror();
+        shared_loop(1, Nq + 1, split_range);
     } else {
-        split_and_mirror();
+        split_range(1, Nq + 1);
     }
 }
 

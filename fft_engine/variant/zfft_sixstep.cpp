@@ -6,6 +6,7 @@
 #include "zfft_work_share.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace ZFFT_VARIANT {
 namespace ZFFT_SixStep {
@@ -108,18 +109,20 @@ void for_each_tile(const matrix& m, bool shared, Visit visit)
     }
 }
 
-// Steps 1 and 5: the matrix turned in place, one pair of tiles at a time.
-void transpose(complex_t* x, const matrix& m, bool shared)
+// Steps 1 and 5: the matrix in turned into x, one pair of tiles at a time;
+// in place when in is x. Both tiles of a pair are loaded before either is
+// stored.
+void transpose(const complex_t* in, complex_t* x, const matrix& m, bool shared)
 {
     const long n = m.n;
-    for_each_tile(m, shared, [x, n](long, long i, long j) {
+    for_each_tile(m, shared, [in, x, n](long, long i, long j) {
         if (i != j) {
-            const tile2 upper = load_tile(x, n, i, j);
-            const tile2 lower = load_tile(x, n, j, i);
+            const tile2 upper = load_tile(in, n, i, j);
+            const tile2 lower = load_tile(in, n, j, i);
             store_tile(x, n, j, i, turned(upper));
             store_tile(x, n, i, j, turned(lower));
         } else {
-            store_tile(x, n, i, i, turned(load_tile(x, n, i, i)));
+            store_tile(x, n, i, i, turned(load_tile(in, n, i, i)));
         }
     });
     end_of_pass(shared);
@@ -175,15 +178,16 @@ void row_transforms(complex_t* x, complex_t* y, const matrix& m, bool shared)
 }
 
 // The even form: two transposes with a twiddled one between them, and the
-// two row passes. The result stands in x.
+// two row passes. The first pass reads in (x itself, or the input of
+// forward_raw_from); the result stands in x.
 template <Direction D, bool Scaled>
-void five_passes(complex_t* x, complex_t* y, const matrix& m, double factor, bool shared)
+void five_passes(const complex_t* in, complex_t* x, complex_t* y, const matrix& m, double factor, bool shared)
 {
-    transpose(x, m, shared);
+    transpose(in, x, m, shared);
     row_transforms<D>(x, y, m, shared);
     twiddle_transpose<D, Scaled>(x, m, factor, shared);
     row_transforms<D>(x, y, m, shared);
-    transpose(x, m, shared);
+    transpose(x, x, m, shared);
 }
 
 // Odd form, step 1: one radix-8 step from x into y, two p at a time.
@@ -231,48 +235,49 @@ void interleave(complex_t* x, const complex_t* y, long Q, bool shared)
 }
 
 template <Direction D, bool Scaled>
-void even_transform(int log_N, complex_t* x, complex_t* y, const matrix& m, double factor)
+void even_transform(int log_N, const complex_t* in, complex_t* x, complex_t* y, const matrix& m, double factor)
 {
     if (log_N >= EVEN_PARALLEL_FROM) {
 #pragma omp parallel
-        five_passes<D, Scaled>(x, y, m, factor, true);
+        five_passes<D, Scaled>(in, x, y, m, factor, true);
     } else {
-        five_passes<D, Scaled>(x, y, m, factor, false);
+        five_passes<D, Scaled>(in, x, y, m, factor, false);
     }
 }
 
 template <Direction D, bool Scaled>
-void odd_transform(int log_N, complex_t* x, complex_t* y, const complex_t* W1, const matrix& m, double factor)
+void odd_transform(int log_N, const complex_t* in, complex_t* x, complex_t* y, const complex_t* W1, const matrix& m,
+                   double factor)
 {
     const long Q = (1L << log_N) / 8;
     if (log_N >= ODD_BLOCKS_ON_CALLER_FROM) {
 #pragma omp parallel
-        radix8_step<D, Scaled>(x, y, W1, Q, factor, true);
+        radix8_step<D, Scaled>(in, y, W1, Q, factor, true);
         // Deliberately outside any region: each sub-transform's shared
         // loops then run whole on this thread.
         #pragma GCC unroll 16
         for (int block = 0; block < 8; ++block) {
-            five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, true);
+            five_passes<D, false>(y + block * Q, y + block * Q, x + block * Q, m, 1.0, true);
         }
 #pragma omp parallel
         interleave(x, y, Q, true);
     } else if (log_N >= ODD_PARALLEL_FROM) {
 #pragma omp parallel
         {
-            radix8_step<D, Scaled>(x, y, W1, Q, factor, true);
+            radix8_step<D, Scaled>(in, y, W1, Q, factor, true);
             // At most eight threads are busy here: one block each.
             const work_share blocks = my_share(8);
             for (long block = blocks.begin; block < blocks.end; ++block) {
-                five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, false);
+                five_passes<D, false>(y + block * Q, y + block * Q, x + block * Q, m, 1.0, false);
             }
 #pragma omp barrier
             interleave(x, y, Q, true);
         }
     } else {
-        radix8_step<D, Scaled>(x, y, W1, Q, factor, false);
+        radix8_step<D, Scaled>(in, y, W1, Q, factor, false);
         #pragma GCC unroll 16
         for (int block = 0; block < 8; ++block) {
-            five_passes<D, false>(y + block * Q, x + block * Q, m, 1.0, false);
+            five_passes<D, false>(y + block * Q, y + block * Q, x + block * Q, m, 1.0, false);
         }
         interleave(x, y, Q, false);
     }
@@ -377,12 +382,15 @@ void FFT0::setup_log2(int l)
     make_row_table(n);
 }
 
-void FFT0::run(bool inverse, Scaling scaling, complex_t* x, complex_t* y) const
+void FFT0::run(bool inverse, Scaling scaling, const complex_t* in, complex_t* x, complex_t* y) const
 {
     if (log_N < 1 || log_N > 24) {
         return;
     }
     if (log_N <= DIRECT_LOG_N_MAX) {
+        if (in != x) {
+            std::memcpy(static_cast<void*>(x), in, static_cast<std::size_t>(N) * sizeof(complex_t));
+        }
         using namespace ZFFT_AVXDIF8;
         if (!inverse) {
             scaling == Scaling::none    ? forward_raw_single(log_N, x, y, m_first)
@@ -405,9 +413,9 @@ void FFT0::run(bool inverse, Scaling scaling, complex_t* x, complex_t* y) const
 
     auto go = [&]<Direction D, bool Scaled>() {
         if (odd) {
-            odd_transform<D, Scaled>(log_N, x, y, m_first, m, factor);
+            odd_transform<D, Scaled>(log_N, in, x, y, m_first, m, factor);
         } else {
-            even_transform<D, Scaled>(log_N, x, y, m, factor);
+            even_transform<D, Scaled>(log_N, in, x, y, m, factor);
         }
     };
     if (inverse) {
@@ -425,32 +433,37 @@ void FFT0::run(bool inverse, Scaling scaling, complex_t* x, complex_t* y) const
 
 void FFT0::forward(complex_t* x, complex_t* y)
 {
-    run(false, Scaling::by_n, x, y);
+    run(false, Scaling::by_n, x, x, y);
 }
 
 void FFT0::forward_raw(complex_t* x, complex_t* y)
 {
-    run(false, Scaling::none, x, y);
+    run(false, Scaling::none, x, x, y);
+}
+
+void FFT0::forward_raw_from(const complex_t* in, complex_t* x, complex_t* y)
+{
+    run(false, Scaling::none, in, x, y);
 }
 
 void FFT0::forward_unitary(complex_t* x, complex_t* y)
 {
-    run(false, Scaling::by_sqrt_n, x, y);
+    run(false, Scaling::by_sqrt_n, x, x, y);
 }
 
 void FFT0::inverse(complex_t* x, complex_t* y)
 {
-    run(true, Scaling::none, x, y);
+    run(true, Scaling::none, x, x, y);
 }
 
 void FFT0::inverse_unitary(complex_t* x, complex_t* y)
 {
-    run(true, Scaling::by_sqrt_n, x, y);
+    run(true, Scaling::by_sqrt_n, x, x, y);
 }
 
 void FFT0::inverse_norm(complex_t* x, complex_t* y)
 {
-    run(true, Scaling::by_n, x, y);
+    run(true, Scaling::by_n, x, x, y);
 }
 
 } // namespace ZFFT_SixStep

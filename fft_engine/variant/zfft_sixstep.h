@@ -33,10 +33,11 @@ public:
     void inverse(complex_t* x, complex_t* y) override;
     void inverse_unitary(complex_t* x, complex_t* y) override;
     void inverse_norm(complex_t* x, complex_t* y) override;
+    void forward_raw_from(const complex_t* in, complex_t* x, complex_t* y) override;
 
 private:
     enum class Scaling { none, by_n, by_sqrt_n };
-    void run(bool inverse, Scaling scaling, complex_t* x, complex_t* y) const;
+    void run(bool inverse, Scaling scaling, const complex_t* in, complex_t* x, complex_t* y) const;
     void make_tiles(int n);
     void clear_views();
 

@@ -6,8 +6,13 @@
 // in place when the number of twiddled stages is even and between the
 // arrays when it is odd. The factor of a scaled transform is folded into the
 // no-twiddle stage, as a literal of each chain.
+//
+// The first stage of a chain reads `in`, which is x itself for a transform
+// in place; the real transform hands its samples over this way, without a
+// copy.
 #pragma once
 
+#include "zfft_stockham_fft0.h"
 #include "zfft_stockham_stages.h"
 
 #include <utility>
@@ -46,7 +51,7 @@ struct chain_shape {
 };
 
 template <int R, Flow Fl, Direction D, Form F, Scaling S, int L>
-inline void chain_body(complex_t* x, complex_t* y, const complex_t* W)
+inline void chain_body(const complex_t* in, complex_t* x, complex_t* y, const complex_t* W)
 {
     using shape = chain_shape<R, L>;
     constexpr int K = shape::twiddled;
@@ -57,17 +62,17 @@ inline void chain_body(complex_t* x, complex_t* y, const complex_t* W)
     complex_t* const buffers[2] = {x, y};
 
     if constexpr (Fl == Flow::dif) {
-        // Stage i is (N / r^i, r^i); it reads buffers[i % 2].
+        // Stage i is (N / r^i, r^i); it reads buffers[i % 2], the first one in.
         [&]<int... I>(std::integer_sequence<int, I...>) {
             (twiddled_stage<R, Fl, D, F, (N >> (b * I)), (1 << (b * I))>(
-                 buffers[I & 1], buffers[(I + 1) & 1], W),
+                 I == 0 ? in : buffers[I & 1], buffers[(I + 1) & 1], W),
              ...);
         }(std::make_integer_sequence<int, K>{});
-        final_stage<shape::final_radix, D, F, scaled, shape::final_stride>(buffers[K & 1], x, c);
+        final_stage<shape::final_radix, D, F, scaled, shape::final_stride>(K == 0 ? in : buffers[K & 1], x, c);
     } else {
         // The no-twiddle stage first, then (r^j n', r^j) with j falling; the
         // i-th twiddled stage reads buffers[(K + i) % 2] and the last writes x.
-        final_stage<shape::final_radix, D, F, scaled, shape::final_stride>(x, buffers[K & 1], c);
+        final_stage<shape::final_radix, D, F, scaled, shape::final_stride>(in, buffers[K & 1], c);
         [&]<int... I>(std::integer_sequence<int, I...>) {
             (twiddled_stage<R, Fl, D, F, (N >> (b * (K - 1 - I))), (1 << (b * (K - 1 - I)))>(
                  buffers[(K + I) & 1], buffers[(K + I + 1) & 1], W),
@@ -78,24 +83,35 @@ inline void chain_body(complex_t* x, complex_t* y, const complex_t* W)
 
 // The chain of one log_N; the parallel form forks once for the whole chain.
 template <int R, Flow Fl, Direction D, Form F, Scaling S, int L>
-void chain(complex_t* x, complex_t* y, const complex_t* W)
+void chain(const complex_t* in, complex_t* x, complex_t* y, const complex_t* W)
 {
     if constexpr (F == Form::parallel) {
 #pragma omp parallel
-        chain_body<R, Fl, D, F, S, L>(x, y, W);
+        chain_body<R, Fl, D, F, S, L>(in, x, y, W);
     } else {
-        chain_body<R, Fl, D, F, S, L>(x, y, W);
+        chain_body<R, Fl, D, F, S, L>(in, x, y, W);
     }
 }
 
-// The dispatch on log_N over the chains Lfirst .. Llast; any other log_N
+// The chain of log_N among Lfirst .. Llast; null for any other log_N.
+template <int R, Flow Fl, Direction D, Form F, Scaling S, int Lfirst, int Llast>
+chain_fn chain_for(int log_N)
+{
+    chain_fn found = nullptr;
+    [&]<int... I>(std::integer_sequence<int, I...>) {
+        (void)((log_N == Lfirst + I && (found = &chain<R, Fl, D, F, S, Lfirst + I>, true)) || ...);
+    }(std::make_integer_sequence<int, Llast - Lfirst + 1>{});
+    return found;
+}
+
+// Runs the chain of log_N among Lfirst .. Llast in place; any other log_N
 // does nothing.
 template <int R, Flow Fl, Direction D, Form F, Scaling S, int Lfirst, int Llast>
 void run_chain(int log_N, complex_t* x, complex_t* y, const complex_t* W)
 {
-    [&]<int... I>(std::integer_sequence<int, I...>) {
-        (void)((log_N == Lfirst + I && (chain<R, Fl, D, F, S, Lfirst + I>(x, y, W), true)) || ...);
-    }(std::make_integer_sequence<int, Llast - Lfirst + 1>{});
+    if (const chain_fn c = chain_for<R, Fl, D, F, S, Lfirst, Llast>(log_N)) {
+        c(x, x, y, W);
+    }
 }
 
 constexpr int LOG_N_MAX = 24;
@@ -109,21 +125,29 @@ constexpr int log2_of(int n)
     return l;
 }
 
-// A transform of one of the classes: below the class's threshold T the
+// The chain of one of the classes: below the class's threshold T the
 // single-threaded chain on the long table, from T on the parallel chain on
-// the short table.
+// the short table; null for a log_N outside 1 to 24.
 template <int R, Flow Fl, int T, Direction D, Scaling S>
-void stockham_transform(int log_N, complex_t* x, complex_t* y, const complex_t* W)
+chain_fn stockham_chain(int log_N)
 {
     constexpr int log_T = log2_of(T);
     if (log_N < 1 || log_N > LOG_N_MAX) {
-        return;
+        return nullptr;
     }
     if (log_N >= log_T) {
-        run_chain<R, Fl, D, Form::parallel, S, log_T, LOG_N_MAX>(log_N, x, y, W);
-    } else {
-        run_chain<R, Fl, D, Form::single, S, 1, log_T - 1>(log_N, x, y, W);
+        return chain_for<R, Fl, D, Form::parallel, S, log_T, LOG_N_MAX>(log_N);
     }
+    return chain_for<R, Fl, D, Form::single, S, 1, log_T - 1>(log_N);
+}
+
+// The three scalings of one direction, in the order of chain_set.
+template <int R, Flow Fl, int T, Direction D>
+void pick_stockham_chains(int log_N, chain_fn (&chains)[3])
+{
+    chains[0] = stockham_chain<R, Fl, T, D, Scaling::none>(log_N);
+    chains[1] = stockham_chain<R, Fl, T, D, Scaling::by_n>(log_N);
+    chains[2] = stockham_chain<R, Fl, T, D, Scaling::by_sqrt_n>(log_N);
 }
 
 } // namespace

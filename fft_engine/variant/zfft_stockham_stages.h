@@ -198,7 +198,7 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
     static_assert(m >= 2 && (s == 1 || s >= 4), "a twiddled stage has m >= 2");
 
     if constexpr (s == 1) {
-        const auto body = [=](int p) {
+        const auto body = [=](int p) __attribute__((always_inline)) {
             if constexpr (L == Flow::dif) {
                 dif_pair<R, n, D, F>(in, out, W, p);
             } else {
@@ -219,7 +219,7 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
         using V = strided_vector<R>;
         constexpr int width = strided_width<R>;
         constexpr int groups_per_p = s / width;
-        const auto body = [=](const V (&w)[R], int p, int q) {
+        const auto body = [=](const V (&w)[R], int p, int q) __attribute__((always_inline)) {
             if constexpr (L == Flow::dif) {
                 dif_group<R, n, s, D>(in, out, w, p, q);
             } else {
