@@ -466,15 +466,6 @@ TEST(SoftwareChannelPluginTest, LifeOfOneInstance)
             << response;
         EXPECT_EQ(host.messagesWithId(HOST_ADD_TASK).size(), 1u);
 
-        ASSERT_EQ(message(PLUGIN_SOFTWARE_CHANNEL_HAS_INSTANCES, 0, nullptr), 0u);
-        {
-            zlrbase_api_object_ptr<IfValue> held;
-            held.adopt(result);
-            result = nullptr;
-            ASSERT_TRUE(held);
-            EXPECT_TRUE(static_cast<IfBooleanValue*>(held.get())->get());
-        }
-
         ASSERT_EQ(message(PLUGIN_EVENT, 14, nullptr), 0u);
         EXPECT_EQ(host.messagesWithId(HOST_REREGISTER_SOFTWARE_CHANNEL).at(0).text, registration);
         EXPECT_EQ(message(PLUGIN_EVENT, 3, nullptr), RESULT_NOT_HANDLED) << "no AllIds to read";
