@@ -7,6 +7,7 @@
 #include "zlrfw_callback_error.h"
 #include "zlrfw_channels.h"
 
+#include "host_tree_check.h"
 #include "zlr_assert_capture.h"
 #include "zlr_log_capture.h"
 #include "zlr_parse_text.h"
@@ -57,9 +58,17 @@ private:
 
 class PluginChannelsTest : public ::testing::Test {
 protected:
-    void SetUp() override { channels->setPluginHost(&host); }
+    void SetUp() override
+    {
+        channels->setPluginHost(&host);
+        host.addService(host_tree);
+    }
     void TearDown() override
     {
+        // Once all is told, the host, reading with its own strict readers,
+        // holds the plug-in's tree as it stands.
+        channels->commitChanges(false);
+        test::expectHostSeesTheTree(host, *host_tree, *channels);
         channels.reset();
         EXPECT_EQ(host.valuesOutsideTree(), 0);
     }
@@ -104,6 +113,8 @@ protected:
     }
 
     zelvar_sim::SimHost host;
+    std::shared_ptr<zelvar_sim::PluginChannelTree> host_tree =
+        std::make_shared<zelvar_sim::PluginChannelTree>(host);
     std::shared_ptr<PluginChannels> channels = std::make_shared<PluginChannels>();
     std::vector<std::string> journal;
 };
@@ -169,10 +180,11 @@ TEST_F(PluginChannelsTest, LocalIdsAvoidTheHostsAndComeFreeAtTheCommit)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
+        zelvar_sim::SimHost own_host;
         PluginChannels fresh;
-        fresh.setPluginHost(&host);
+        fresh.setPluginHost(&own_host);
         if (!c.status.empty()) {
-            zlrbase_api_object_ptr<IfXmlValue> value = createTypedValue<IfXmlValue>(&host);
+            zlrbase_api_object_ptr<IfXmlValue> value = createTypedValue<IfXmlValue>(&own_host);
             value->set(c.status.c_str());
             EXPECT_EQ(fresh.pluginMessage(PLUGIN_CHANNEL_STATUS, 0, value.get(), nullptr), 0u);
         }

@@ -8,6 +8,7 @@
 #include "zlrfw_callback_error.h"
 #include "zlrfw_software_channel_plugin.h"
 
+#include "host_tree_check.h"
 #include "zlr_assert_capture.h"
 #include "zlr_log_capture.h"
 
@@ -82,12 +83,15 @@ class SoftwareChannelInstanceTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
+        host.addService(host_tree);
         channels->setPluginHost(&host);
         instance->setup(channels);
         instance->initialise(&host);
     }
     void TearDown() override
     {
+        channels->commitChanges(false);
+        test::expectHostSeesTheTree(host, *host_tree, *channels);
         instance.reset();
         channels.reset();
         EXPECT_EQ(host.valuesOutsideTree(), 0);
@@ -158,6 +162,8 @@ protected:
     }
 
     zelvar_sim::SimHost host;
+    std::shared_ptr<zelvar_sim::PluginChannelTree> host_tree =
+        std::make_shared<zelvar_sim::PluginChannelTree>(host);
     std::shared_ptr<PluginChannels> channels = std::make_shared<PluginChannels>();
     std::shared_ptr<ProbeInstance> instance = std::make_shared<ProbeInstance>();
 };
