@@ -475,6 +475,7 @@ TEST(SoftwareChannelPluginTest, LifeOfOneInstance)
         ASSERT_EQ(message(PLUGIN_EVENT, 14, nullptr), 0u);
         EXPECT_EQ(host.messagesWithId(HOST_REREGISTER_SOFTWARE_CHANNEL).at(0).text, registration);
         EXPECT_EQ(message(PLUGIN_EVENT, 3, nullptr), RESULT_NOT_HANDLED) << "no AllIds to read";
+        EXPECT_EQ(message(PLUGIN_EVENT, 7, nullptr), RESULT_NOT_HANDLED);
 
         ProbeInstance& probe = *plugin.getInstances()[0];
         probe.setInputs({5, 8}, *probe.getRootChannel());
@@ -491,6 +492,15 @@ TEST(SoftwareChannelPluginTest, LifeOfOneInstance)
             proxies.push_back(proxy->getChannelId());
         }
         EXPECT_EQ(proxies, (std::vector<std::uint64_t>{6, 8}));
+
+        // Event 3: an input that the host no longer has stands as all ones.
+        host.tree().setXml("#Zelvar#Channels", "AllIds",
+                           R"(<Channels><Channel channel_id="8"/></Channels>)");
+        ASSERT_EQ(message(PLUGIN_EVENT, 3, nullptr), 0u);
+        EXPECT_EQ(std::static_pointer_cast<EditableChannelIDListProperty>(
+                      probe.getRootChannel()->getProperty(INPUTS))
+                      ->getValue(),
+                  (std::vector<std::uint64_t>{NO_CHANNEL_ID, 8}));
 
         const std::string unreadable = "<Channels";
         EXPECT_EQ(message(PLUGIN_CHANNELS_CHECK, 0, &unreadable), 1u);
