@@ -5,21 +5,4 @@
 #include "sim_channel_writers.h"
 #include "zlrapi_channel_config_changed_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::ChannelConfigChangedTelegram& telegram)
-{
-    return zelvar_sim::writeChannelConfigChanged(telegram.m_channels);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::ChannelConfigChangedTelegram telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::ChannelConfigChangedTelegram, [](const zlr::ChannelConfigChangedTelegram& t) { return zelvar_sim::writeChannelConfigChanged(t.m_channels); }, true)

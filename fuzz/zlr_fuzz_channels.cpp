@@ -5,21 +5,4 @@
 #include "sim_channel_writers.h"
 #include "zlrapi_channels_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::ChannelsTelegram& telegram)
-{
-    return zelvar_sim::writeChannels(telegram.m_channels);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::ChannelsTelegram telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::ChannelsTelegram, [](const zlr::ChannelsTelegram& t) { return zelvar_sim::writeChannels(t.m_channels); }, true)

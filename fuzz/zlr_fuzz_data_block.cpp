@@ -5,21 +5,4 @@
 #include "sim_data_set_writers.h"
 #include "zlrapi_data_block_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::DataBlock& telegram)
-{
-    return zelvar_sim::writeDataBlock(telegram);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::DataBlock telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::DataBlock, [](const zlr::DataBlock& t) { return zelvar_sim::writeDataBlock(t); }, true)

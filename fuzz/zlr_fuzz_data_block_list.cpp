@@ -5,21 +5,4 @@
 #include "sim_data_set_writers.h"
 #include "zlrapi_data_block_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::DataBlockList& telegram)
-{
-    return zelvar_sim::writeDataBlockList(telegram);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::DataBlockList telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText, false);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::DataBlockList, [](const zlr::DataBlockList& t) { return zelvar_sim::writeDataBlockList(t); }, false)

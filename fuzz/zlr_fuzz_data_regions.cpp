@@ -5,21 +5,4 @@
 #include "sim_data_set_writers.h"
 #include "zlrapi_data_block_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::DataRegions& telegram)
-{
-    return zelvar_sim::writeDataRegions(telegram.m_regions);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::DataRegions telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::DataRegions, [](const zlr::DataRegions& t) { return zelvar_sim::writeDataRegions(t.m_regions); }, true)

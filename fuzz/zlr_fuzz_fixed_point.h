@@ -67,3 +67,17 @@ bool namesOnce(const Channels& channels)
 }
 
 } // namespace zlr::fuzz
+
+// The whole target of a reader `Telegram::parse(text, length)` whose telegram
+// the simulator writes with `write`: what is read reaches the fixed point.
+#define ZLR_FUZZ_FIXED_POINT_TARGET(Telegram, write, strict)        \
+    namespace {                                                     \
+    void readTelegram(const char* text, std::size_t length)         \
+    {                                                               \
+        Telegram telegram;                                          \
+        if (telegram.parse(text, length)) {                         \
+            zlr::fuzz::expectFixedPoint(telegram, write, strict);   \
+        }                                                           \
+    }                                                               \
+    }                                                               \
+    ZLR_FUZZ_READER(readTelegram)

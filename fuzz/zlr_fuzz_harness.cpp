@@ -36,6 +36,12 @@ bool& inputInWrittenForm()
     return written_form;
 }
 
+bool& writtenFormSeen()
+{
+    static bool seen = false;
+    return seen;
+}
+
 bool endsWith(const std::string& text, const std::string& suffix)
 {
     return text.size() >= suffix.size() &&
@@ -94,10 +100,17 @@ void runReader(const std::uint8_t* data, std::size_t size, const TextReader& rea
 void setInputInWrittenForm(bool written_form)
 {
     inputInWrittenForm() = written_form;
+    writtenFormSeen() = false;
+}
+
+bool writtenFormChecked()
+{
+    return writtenFormSeen();
 }
 
 void expectWrittenForm(const std::string& written)
 {
+    writtenFormSeen() = true;
     if (inputInWrittenForm() && written != currentInput()) {
         std::fprintf(stderr, "input:\n%s\nwritten:\n%s\n", currentInput().c_str(), written.c_str());
         expect(false, "a text in written form is written back unchanged");

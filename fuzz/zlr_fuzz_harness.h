@@ -35,6 +35,9 @@ void runReader(const std::uint8_t* data, std::size_t size, const TextReader& rea
 // input itself, so that nothing is lost or changed on the way.
 void setInputInWrittenForm(bool written_form);
 void expectWrittenForm(const std::string& written);
+// Whether expectWrittenForm ran since the input was set: a text in written
+// form that its reader refuses never gets there.
+bool writtenFormChecked();
 
 } // namespace zlr::fuzz
 

@@ -5,21 +5,4 @@
 #include "sim_data_set_writers.h"
 #include "zlrapi_process_window_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::ProcessWindowTelegram& telegram)
-{
-    return zelvar_sim::writeProcessWindow(telegram.m_start, telegram.m_end);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::ProcessWindowTelegram telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText, false);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::ProcessWindowTelegram, [](const zlr::ProcessWindowTelegram& t) { return zelvar_sim::writeProcessWindow(t.m_start, t.m_end); }, false)

@@ -27,8 +27,11 @@ int main(int argc, char** argv)
     const std::string file_name = path.substr(path.find_last_of('/') + 1);
     for (const auto& target : zlr::fuzz::REPLAY_TARGETS) {
         if (std::strcmp(target.name, argv[1]) == 0) {
-            zlr::fuzz::setInputInWrittenForm(file_name.rfind("written", 0) == 0);
+            const bool written_form = file_name.rfind("written", 0) == 0;
+            zlr::fuzz::setInputInWrittenForm(written_form);
             target.entry(reinterpret_cast<const std::uint8_t*>(seed.data()), seed.size());
+            zlr::fuzz::expect(!written_form || zlr::fuzz::writtenFormChecked(),
+                              "a text in written form is read and written back");
             return 0;
         }
     }

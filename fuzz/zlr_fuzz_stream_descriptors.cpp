@@ -5,21 +5,4 @@
 #include "sim_data_set_writers.h"
 #include "zlrapi_data_set_descriptor_xml.h"
 
-namespace {
-
-std::string writeText(const zlr::StreamDescriptors& telegram)
-{
-    return zelvar_sim::writeStreamDescriptors(telegram);
-}
-
-void readTelegram(const char* text, std::size_t length)
-{
-    zlr::StreamDescriptors telegram;
-    if (telegram.parse(text, length)) {
-        zlr::fuzz::expectFixedPoint(telegram, writeText, false);
-    }
-}
-
-} // namespace
-
-ZLR_FUZZ_READER(readTelegram)
+ZLR_FUZZ_FIXED_POINT_TARGET(zlr::StreamDescriptors, [](const zlr::StreamDescriptors& t) { return zelvar_sim::writeStreamDescriptors(t); }, false)
