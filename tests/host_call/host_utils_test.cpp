@@ -14,22 +14,9 @@ namespace {
 
 using zelvar_sim::SimHost;
 
-class CountingHost : public SimHost {
-public:
-    zlr::IfValue* queryValue(const char* path, const char* key, std::uint64_t a,
-                             std::uint64_t b) override
-    {
-        ++queries;
-        last_path = path;
-        return SimHost::queryValue(path, key, a, b);
-    }
-    int queries = 0;
-    std::string last_path;
-};
-
 TEST(TypedQuery, KeepsOnlyTheRequestedTypeAndReleasesTheQuery)
 {
-    CountingHost host;
+    SimHost host;
     host.tree().setString("#PluginHost", "Name", "Zelvar");
     host.tree().setBoolean("#Zelvar", "AnalysisModeActive", true);
     host.tree().setScalar("#Zelvar#Channels#17", "SampleRate", 1000.0, "Hz");
@@ -60,16 +47,16 @@ TEST(TypedQuery, KeepsOnlyTheRequestedTypeAndReleasesTheQuery)
 
 TEST(TypedQuery, ChannelFormsBuildThePathAndSkipTheAllOnesId)
 {
-    CountingHost host;
+    SimHost host;
     host.tree().setString("#Zelvar#Channels#42", "LongName", "Voltage");
     const auto name = zlr::queryChannelStringValue(&host, 42, "LongName");
     ASSERT_TRUE(name);
     EXPECT_STREQ(name->getData(), "Voltage");
-    EXPECT_EQ(host.last_path, "#Zelvar#Channels#42");
+    EXPECT_EQ(host.queries().back().path, "#Zelvar#Channels#42");
 
-    const int before = host.queries;
+    const auto before = host.queries().size();
     EXPECT_FALSE(zlr::queryChannelBooleanValue(&host, ~std::uint64_t{0}, "Usable"));
-    EXPECT_EQ(host.queries, before);
+    EXPECT_EQ(host.queries().size(), before);
 }
 
 TEST(SendSyncXmlMessage, SendsTheTextAsAnXmlValueAndReportsALengthMismatch)

@@ -11,17 +11,6 @@ namespace {
 
 using zlr::framework::InputChannel;
 
-class CountingHost : public zelvar_sim::SimHost {
-public:
-    zlr::IfValue* queryValue(const char* path, const char* key, std::uint64_t a,
-                             std::uint64_t b) override
-    {
-        ++queries;
-        return SimHost::queryValue(path, key, a, b);
-    }
-    int queries = 0;
-};
-
 const char* const PATH = "#Zelvar#Channels#12";
 
 TEST(InputChannel, ReadsTheBareAndTheWrappedDataFormatAlike)
@@ -33,7 +22,7 @@ TEST(InputChannel, ReadsTheBareAndTheWrappedDataFormatAlike)
     zlr::DataFormat formats[2];
     int i = 0;
     for (const std::string& text : {bare, wrapped}) {
-        CountingHost host;
+        zelvar_sim::SimHost host;
         host.tree().setXml(PATH, "DataFormat", text);
         InputChannel channel(&host, 12);
         ASSERT_TRUE(channel.updateDataFormat()) << text;
@@ -56,7 +45,7 @@ TEST(InputChannel, AFormatThatDoesNotReadLeavesTheCachedOne)
         "",
     };
     for (const char* text : refused) {
-        CountingHost host;
+        zelvar_sim::SimHost host;
         host.tree().setXml(PATH, "DataFormat",
                            R"(<DataFormat sample_occurrence="ASYNC" sample_format="float"/>)");
         InputChannel channel(&host, 12);
@@ -66,7 +55,7 @@ TEST(InputChannel, AFormatThatDoesNotReadLeavesTheCachedOne)
         EXPECT_FALSE(channel.updateDataFormat()) << text;
         EXPECT_EQ(channel.getDataFormat(), before) << text;
     }
-    CountingHost empty_host;
+    zelvar_sim::SimHost empty_host;
     InputChannel missing(&empty_host, 12);
     EXPECT_FALSE(missing.updateDataFormat());
     EXPECT_EQ(missing.getDataFormat(), zlr::DataFormat());
@@ -74,21 +63,21 @@ TEST(InputChannel, AFormatThatDoesNotReadLeavesTheCachedOne)
 
 TEST(InputChannel, LiveValuesAndTheirDefaults)
 {
-    CountingHost host;
+    zelvar_sim::SimHost host;
     host.tree().setBoolean(PATH, "Usable", true);
     host.tree().setString(PATH, "LongName", "Voltage U1");
     host.tree().setScalar(PATH, "SampleRate", 10000.0, "Hz");
     host.tree().setXml(PATH, "DataFormat", R"(<DataFormat sample_occurrence="ASYNC" sample_format="double"/>)");
 
     InputChannel channel(&host, 12);
-    EXPECT_EQ(host.queries, 0);
+    EXPECT_TRUE(host.queries().empty());
     EXPECT_TRUE(channel.isUsable());
     EXPECT_EQ(channel.getLongName(), "Voltage U1");
 
     // Only a synchronous channel has a rate, and the cached format decides.
-    const int before = host.queries;
+    const auto before = host.queries().size();
     EXPECT_EQ(channel.getSampleRate(), zlr::Scalar());
-    EXPECT_EQ(host.queries, before);
+    EXPECT_EQ(host.queries().size(), before);
     channel.updateDataFormat();
     EXPECT_EQ(channel.getSampleRate(), zlr::Scalar());
     host.tree().setXml(PATH, "DataFormat", R"(<DataFormat sample_occurrence="SYNC" sample_format="double"/>)");
@@ -102,16 +91,16 @@ TEST(InputChannel, LiveValuesAndTheirDefaults)
     EXPECT_FALSE(channel.isUsable());
 
     InputChannel none(&host, ~std::uint64_t{0});
-    const int queries = host.queries;
+    const auto queries = host.queries().size();
     EXPECT_FALSE(none.isUsable());
     EXPECT_FALSE(none.updateDataFormat());
-    EXPECT_EQ(host.queries, queries);
+    EXPECT_EQ(host.queries().size(), queries);
     EXPECT_EQ(host.valuesOutsideTree(), 0);
 }
 
 TEST(InputChannel, TimebaseIsReplacedWhollyOrNotAtAll)
 {
-    CountingHost host;
+    zelvar_sim::SimHost host;
     InputChannel channel(&host, 12);
     EXPECT_TRUE(std::isnan(channel.getTimebase().m_frequency));
     EXPECT_FALSE(channel.updateTimebase());

@@ -1,11 +1,13 @@
 #include "zlruni_logger.h"
 
+#include "sim_log_sink.h"
 #include "zlr_log_capture.h"
 
 #include <boost/log/core/core.hpp>
 #include <gtest/gtest.h>
 
 #include <set>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -31,12 +33,12 @@ TEST(Logger, RecordsCarryTextSeverityAndChannel)
     ZLR_LOG(UniLogSeverityLevel::Error, "property " << name << " is not of type int");
     ZLR_LOG(UniLogSeverityLevel::Failure, "Unknown property data type " << 99);
     ZLR_LOG(UniLogSeverityLevel::Note, "Warning: " << 1.5);
-    const std::vector<test::CapturedRecord> expected = {
-        {"property n is not of type int", 6, "ZLRAPI"},
-        {"Unknown property data type 99", 5, "ZLRAPI"},
-        {"Warning: 1.5", 1, "ZLRAPI"},
+    const std::vector<test::LogCapture::Message> expected = {
+        {6, "property n is not of type int"},
+        {5, "Unknown property data type 99"},
+        {1, "Warning: 1.5"},
     };
-    EXPECT_EQ(capture.records(), expected);
+    EXPECT_EQ(capture.messages(), expected);
     EXPECT_EQ(&getLogger(), &getLogger());
 }
 
@@ -45,12 +47,13 @@ TEST(Logger, FormatsNothingWithoutAnOpenRecord)
     int count = 0;
     {
         // A sink that refuses the level.
-        test::LogCapture capture(5);
+        std::ostringstream shown;
+        zelvar_sim::LogSink sink(shown, UniLogSeverityLevel::Failure);
         ZLR_LOG(UniLogSeverityLevel::Note, CountedText{&count});
         EXPECT_EQ(count, 0);
         ZLR_LOG(UniLogSeverityLevel::Failure, CountedText{&count});
         EXPECT_EQ(count, 1);
-        EXPECT_EQ(capture.records().size(), 1u);
+        EXPECT_EQ(shown.str(), "log ZLRAPI 5: counted\n");
     }
     {
         // A disabled core.
@@ -59,7 +62,7 @@ TEST(Logger, FormatsNothingWithoutAnOpenRecord)
         ZLR_LOG(UniLogSeverityLevel::Error, CountedText{&count});
         boost::log::core::get()->set_logging_enabled(true);
         EXPECT_EQ(count, 1);
-        EXPECT_TRUE(capture.records().empty());
+        EXPECT_TRUE(capture.messages().empty());
     }
 }
 
@@ -80,10 +83,10 @@ TEST(Logger, ThreadsKeepTheirOwnSeverity)
     for (auto& thread : threads) {
         thread.join();
     }
-    const auto records = capture.records();
-    EXPECT_EQ(records.size(), 6000u);
-    for (const auto& record : records) {
-        ASSERT_EQ(record.text, "level " + std::to_string(record.severity));
+    const auto messages = capture.messages();
+    EXPECT_EQ(messages.size(), 6000u);
+    for (const auto& [severity, text] : messages) {
+        ASSERT_EQ(text, "level " + std::to_string(severity));
     }
 }
 

@@ -10,44 +10,31 @@
 
 TEST(DataRequests, ExactTexts)
 {
-    zlr::DataRegionsRequestTelegram regions;
-    regions.m_data_set_key = 7;
-    EXPECT_EQ(regions.generate(), R"(<?xml version="1.0"?><DataRegionsRequest data_set_key="7"/>)");
-    regions.m_has_window = true;
-    regions.m_start = 0.1;
-    regions.m_end = 2.0;
-    EXPECT_EQ(regions.generate(),
-              R"(<?xml version="1.0"?><DataRegionsRequest data_set_key="7"><Window start="0.10000000000000001" end="2"/></DataRegionsRequest>)");
-
-    EXPECT_EQ(zlr::DataTransferRequestTelegram(3, 1.0 / 3, 1e300).generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="3"><Window start="0.33333333333333331" end="1.0000000000000001e+300"/></DataTransferRequest>)");
-    EXPECT_EQ(zlr::DataTransferRequestTelegram(3).generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="3"><DataStream/></DataTransferRequest>)");
-    EXPECT_EQ(zlr::DataTransferRequestTelegram(18446744073709551615u, -2.5).generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="18446744073709551615"><SingleValue timestamp="-2.5"/></DataTransferRequest>)");
-
-    zlr::StreamRequestTelegram stream;
-    stream.m_data_set_key = 9;
-    EXPECT_EQ(stream.generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream stream_type="RAW"/></DataTransferRequest>)");
-    // As the instance starts its stream.
-    stream.m_has_block_duration = true;
-    stream.m_block_duration = 0.01;
-    stream.m_has_ignore_regions = true;
-    stream.m_ignore_regions = true;
-    stream.m_stream_type = zlr::STREAM_TYPE_SCALED;
-    EXPECT_EQ(stream.generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream block_duration="0.01" ignore_regions="true" stream_type="SCALED"/></DataTransferRequest>)");
-    stream.m_stream_type = static_cast<zlr::StreamType>(5);
-    stream.m_has_block_duration = false;
-    stream.m_has_start = true;
-    stream.m_start = 4;
-    stream.m_ignore_regions = false;
-    EXPECT_EQ(stream.generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream start="4" ignore_regions="false" stream_type="Unknown StreamType"/></DataTransferRequest>)");
-
-    EXPECT_EQ(zlr::StreamStopTelegram{9}.generate(),
-              R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"/>)");
+    using zlr::DataTransferRequestTelegram;
+    const auto stream = static_cast<zlr::StreamType>(5); // past the table
+    const std::pair<std::string, const char*> cases[] = {
+        {zlr::DataRegionsRequestTelegram{7, 0.0, 0.0, false}.generate(),
+         R"(<?xml version="1.0"?><DataRegionsRequest data_set_key="7"/>)"},
+        {zlr::DataRegionsRequestTelegram{7, 0.1, 2.0, true}.generate(),
+         R"(<?xml version="1.0"?><DataRegionsRequest data_set_key="7"><Window start="0.10000000000000001" end="2"/></DataRegionsRequest>)"},
+        {DataTransferRequestTelegram(3, 1.0 / 3, 1e300).generate(),
+         R"(<?xml version="1.0"?><DataTransferRequest data_set_key="3"><Window start="0.33333333333333331" end="1.0000000000000001e+300"/></DataTransferRequest>)"},
+        {DataTransferRequestTelegram(3).generate(),
+         R"(<?xml version="1.0"?><DataTransferRequest data_set_key="3"><DataStream/></DataTransferRequest>)"},
+        {DataTransferRequestTelegram(18446744073709551615u, -2.5).generate(),
+         R"(<?xml version="1.0"?><DataTransferRequest data_set_key="18446744073709551615"><SingleValue timestamp="-2.5"/></DataTransferRequest>)"},
+        {zlr::StreamRequestTelegram{9}.generate(),
+         R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream stream_type="RAW"/></DataTransferRequest>)"},
+        // As the instance starts its stream.
+        {zlr::StreamRequestTelegram{9, 0.0, false, 0.01, true, true, true, zlr::STREAM_TYPE_SCALED}.generate(),
+         R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream block_duration="0.01" ignore_regions="true" stream_type="SCALED"/></DataTransferRequest>)"},
+        {zlr::StreamRequestTelegram{9, 4.0, true, 0.0, false, false, true, stream}.generate(),
+         R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"><Stream start="4" ignore_regions="false" stream_type="Unknown StreamType"/></DataTransferRequest>)"},
+        {zlr::StreamStopTelegram{9}.generate(), R"(<?xml version="1.0"?><DataTransferRequest data_set_key="9"/>)"},
+    };
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(text, expected);
+    }
 }
 
 // What the kit writes, the host reads back whole; the doubles need all

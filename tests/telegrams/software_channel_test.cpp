@@ -9,36 +9,25 @@
 
 TEST(SoftwareChannelTelegrams, ExactTexts)
 {
-    zlr::RegisterSoftwareChannelTelegram registration;
-    registration.m_service_name = "frequency_measurement";
-    registration.m_display_name = "Frequency Measurement";
-    registration.m_display_group = "Advanced Math";
-    registration.m_analysis_capable = true;
-    EXPECT_EQ(registration.generate(),
-              R"(<?xml version="1.0"?><RegisterSoftwareChannel protocol_version="1.0"><ServiceName>frequency_measurement</ServiceName><DisplayName>Frequency Measurement</DisplayName><DisplayGroup>Advanced Math</DisplayGroup><AnalysisCapable>True</AnalysisCapable><AcquisitionCapable>True</AcquisitionCapable></RegisterSoftwareChannel>)");
-    registration = {};
-    registration.m_description = "a & b";
-    registration.m_ui_item_name = "Item";
-    EXPECT_EQ(registration.generate(),
-              R"(<?xml version="1.0"?><RegisterSoftwareChannel protocol_version="1.0"><ServiceName/><DisplayName/><DisplayGroup/><AnalysisCapable>False</AnalysisCapable><AcquisitionCapable>True</AcquisitionCapable><Description>a &amp; b</Description><UIAdd><ItemName>Item</ItemName></UIAdd></RegisterSoftwareChannel>)");
-
-    zlr::CreateSoftwareChannelResponseTelegram created;
-    EXPECT_EQ(created.generate(),
-              R"(<?xml version="1.0"?><CreateSoftwareChannelResponse protocol_version="1.0"/>)");
-    created.m_message = "Select an input";
-    created.m_created_channels = {0, 3, 4};
-    created.m_show_details = true;
-    created.m_details_channel = 3;
-    EXPECT_EQ(created.generate(),
-              R"(<?xml version="1.0"?><CreateSoftwareChannelResponse protocol_version="1.0"><Message>Select an input</Message><CreatedChannels><Channel channel_id="0"/><Channel channel_id="3" show_details="true"/><Channel channel_id="4"/></CreatedChannels></CreateSoftwareChannelResponse>)");
-
-    zlr::QuerySoftwareChannelActionResponseTelegram query;
-    EXPECT_EQ(query.generate(),
-              R"(<?xml version="1.0"?><QuerySoftwareChannelActionResponse protocol_version="1.0"><Valid is_valid="false"/></QuerySoftwareChannelActionResponse>)");
-    query.m_valid = true;
-    query.m_channels = {8};
-    EXPECT_EQ(query.generate(),
-              R"(<?xml version="1.0"?><QuerySoftwareChannelActionResponse protocol_version="1.0"><Valid is_valid="true"/><Channels><Channel channel_id="8"/></Channels></QuerySoftwareChannelActionResponse>)");
+    using Registration = zlr::RegisterSoftwareChannelTelegram;
+    using Created = zlr::CreateSoftwareChannelResponseTelegram;
+    using Query = zlr::QuerySoftwareChannelActionResponseTelegram;
+    const std::pair<std::string, const char*> cases[] = {
+        {Registration{"Advanced Math", "frequency_measurement", "Frequency Measurement", "", "", true, true}.generate(),
+         R"(<?xml version="1.0"?><RegisterSoftwareChannel protocol_version="1.0"><ServiceName>frequency_measurement</ServiceName><DisplayName>Frequency Measurement</DisplayName><DisplayGroup>Advanced Math</DisplayGroup><AnalysisCapable>True</AnalysisCapable><AcquisitionCapable>True</AcquisitionCapable></RegisterSoftwareChannel>)"},
+        {Registration{"", "", "", "a & b", "Item", false, true}.generate(),
+         R"(<?xml version="1.0"?><RegisterSoftwareChannel protocol_version="1.0"><ServiceName/><DisplayName/><DisplayGroup/><AnalysisCapable>False</AnalysisCapable><AcquisitionCapable>True</AcquisitionCapable><Description>a &amp; b</Description><UIAdd><ItemName>Item</ItemName></UIAdd></RegisterSoftwareChannel>)"},
+        {Created{}.generate(), R"(<?xml version="1.0"?><CreateSoftwareChannelResponse protocol_version="1.0"/>)"},
+        {Created{"Select an input", true, 3, {0, 3, 4}}.generate(),
+         R"(<?xml version="1.0"?><CreateSoftwareChannelResponse protocol_version="1.0"><Message>Select an input</Message><CreatedChannels><Channel channel_id="0"/><Channel channel_id="3" show_details="true"/><Channel channel_id="4"/></CreatedChannels></CreateSoftwareChannelResponse>)"},
+        {Query{}.generate(),
+         R"(<?xml version="1.0"?><QuerySoftwareChannelActionResponse protocol_version="1.0"><Valid is_valid="false"/></QuerySoftwareChannelActionResponse>)"},
+        {Query{{8}, true}.generate(),
+         R"(<?xml version="1.0"?><QuerySoftwareChannelActionResponse protocol_version="1.0"><Valid is_valid="true"/><Channels><Channel channel_id="8"/></Channels></QuerySoftwareChannelActionResponse>)"},
+    };
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(text, expected);
+    }
 }
 
 // What the kit writes, the host reads back whole, markup characters and
