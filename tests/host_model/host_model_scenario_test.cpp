@@ -126,8 +126,9 @@ TEST_F(HostModelScenario, SoftwareChannelFromQueryToRestore)
     ASSERT_TRUE(restored.id_map) << model().dump();
     ASSERT_EQ(restored.id_map->count(root), 1u);
     const auto new_root = static_cast<std::uint32_t>(restored.id_map->at(root));
-    EXPECT_EQ(shownScalar(new_root, "FREQUENCY_MEASUREMENT/WindowOverlap"), 75.0);
+    // Its settings reach the host once the configuration is applied.
     EXPECT_EQ(model().configApplied(), 0u);
+    EXPECT_EQ(shownScalar(new_root, "FREQUENCY_MEASUREMENT/WindowOverlap"), 75.0);
     output = onlyChild(new_root);
     ASSERT_TRUE(output) << model().dump();
     EXPECT_EQ(output->timebase.m_frequency, 20.0);
