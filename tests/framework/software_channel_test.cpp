@@ -55,8 +55,11 @@ public:
     {
         Round round{context.window_start, context.window_end, {}};
         for (auto& [id, iterator] : context.channel_iterators) {
+            iterator.setSkipGaps(false);
             for (; iterator.valid(); ++iterator) {
-                round.samples[id].push_back(iterator.value());
+                // A gap reads as NaN; -1 keeps the rounds comparable.
+                const double value = iterator.value();
+                round.samples[id].push_back(std::isnan(value) ? -1.0 : value);
             }
         }
         rounds.push_back(round);
@@ -106,7 +109,7 @@ protected:
 
     // Channel 5, synchronous at 1 kHz, usable, in a data set of key 77 whose
     // one stream carries it as plain doubles.
-    void prepareOneInput()
+    void prepareOneInput(std::uint64_t described_channel = 5)
     {
         host.tree().setXml("#Zelvar#Channels#5", "DataFormat", SYNC_DOUBLE);
         host.tree().setBoolean("#Zelvar#Channels#5", "Usable", true);
@@ -117,7 +120,7 @@ protected:
         StreamDescriptors descriptors;
         descriptors.m_data_set_key = 77;
         ChannelDescriptor channel;
-        channel.m_channel_id = 5;
+        channel.m_channel_id = described_channel;
         channel.m_dimension = 1;
         channel.m_size = 64;
         channel.m_stride = 64;
@@ -306,6 +309,58 @@ TEST_F(SoftwareChannelInstanceTest, StreamRoundsUntilTheHostHasNoMoreBlocks)
     EXPECT_EQ(unregistered[0].number, 77u);
     instance->onStopProcessing(&host, 0);
     EXPECT_EQ(host.messagesWithId(HOST_DATA_SET_UNREGISTER).size(), 1u) << "the data set is gone";
+}
+
+TEST_F(SoftwareChannelInstanceTest, ATimedStepReadsItsSpanWithTheHostsGaps)
+{
+    struct Case {
+        const char* what;
+        std::uint64_t described_channel;
+        std::vector<ProbeInstance::Round> rounds;
+        std::string logged;
+    };
+    const Case cases[] = {
+        {"samples where the host has data, NaN between", 5,
+         {{0.0, 0.01, {{5, {0, 1, 2, -1, -1, -1, 6, 7, 8, 9}}}}}, ""},
+        {"a described channel without a proxy", 6, {},
+         "Unhandled exception during 'process': no proxy for input channel"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        test::LogCapture log(6);
+        prepareOneInput(c.described_channel);
+        instance->onInitTimebases(&host, 0);
+        instance->onPrepareProcessing(&host, 0);
+        host.setResponder(HOST_DATA_REGIONS_REQUEST,
+                          [this](const zelvar_sim::MessageRecord&, IfValue** result) {
+                              *result = xmlValue(zelvar_sim::writeDataRegions(
+                                  {{5, 0, 3}, {5, 6, 10}}));
+                              return std::uint64_t{0};
+                          });
+        host.setResponder(HOST_DATA_REQUEST,
+                          [this](const zelvar_sim::MessageRecord&, IfValue** result) {
+                              *result = blockList(0.0, 0.01,
+                                                  {block(0, {0, 1, 2}), block(6, {6, 7, 8, 9})});
+                              return std::uint64_t{0};
+                          });
+        instance->rounds.clear();
+        zlrbase_api_object_ptr<IfXmlValue> start;
+        start.adopt(static_cast<IfXmlValue*>(
+            xmlValue(zelvar_sim::writeProcessWindow({0, 1000.0}, {10, 1000.0}))));
+        std::optional<std::uint64_t> thrown;
+        try {
+            instance->onProcess(&host, 0, start.get());
+        } catch (const CallbackError& error) {
+            thrown = error.code();
+        }
+        EXPECT_EQ(instance->rounds, c.rounds);
+        EXPECT_EQ(thrown.has_value(), !c.logged.empty());
+        const auto records = log.records();
+        EXPECT_EQ(records.empty() ? std::string() : records[0].text, c.logged);
+        instance->onStopProcessing(&host, 0);
+    }
+    const std::string asked = host.messagesWithId(HOST_DATA_REGIONS_REQUEST).at(0).text;
+    EXPECT_NE(asked.find("<Window start=\"0\" end=\"0.01"), std::string::npos) << asked;
 }
 
 TEST_F(SoftwareChannelInstanceTest, WithoutInputsATimedStepRunsWithoutData)
