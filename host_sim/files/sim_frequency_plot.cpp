@@ -98,7 +98,7 @@ std::string plotScript(const PlotRequest& request)
     script << "set output " << quoted(request.path) << '\n'
            << "set title " << quoted(request.title) << '\n'
            << "set xlabel 'time (s)'\nset ylabel 'frequency (Hz)'\n"
-           << "set grid\nset key outside right top\n";
+           << "set grid\nset key outside right top\nset offsets 0, 0, graph 0.05, graph 0.05\n";
 
     std::set<std::string> files;
     for (const FrequencySeries& one : request.series) {
