@@ -1,7 +1,5 @@
 // The forward real transform against FFTW's r2c (FFTW_MEASURE plans), on one
-// and on two threads, and the estimator's cost per window against its
-// transform alone. Figures and the command are in bench/README.md.
-#include "frequency_estimator.h"
+// and on two threads. Figures and the command are in bench/README.md.
 #include "zfft/zfft_real_fft.h"
 
 #include <benchmark/benchmark.h>
@@ -64,32 +62,6 @@ void BM_RealForward_FFTW(benchmark::State& state)
     fftw_free(out);
 }
 
-void BM_Estimator(benchmark::State& state)
-{
-    const long n = state.range(0);
-    frequency_measurement::FrequencyEstimator estimator;
-    estimator.prepare(static_cast<std::uint64_t>(n));
-    const std::vector<double> x = test_signal(n);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(estimator.estimateFrequency(x, 48000.0, 24000.0));
-    }
-    report(state, n);
-}
-
-void BM_EstimatorTransformOnly(benchmark::State& state)
-{
-    const long n = state.range(0);
-    ZFFT::RealFFTPtr fft = ZFFT::create_real_fft(static_cast<int>(n), 0);
-    std::vector<ZFFT::complex_t> y(static_cast<std::size_t>(n));
-    const std::vector<double> x = test_signal(n);
-    for (auto _ : state) {
-        fft->forward_raw(x.data(), y.data());
-        benchmark::DoNotOptimize(y.data());
-        benchmark::ClobberMemory();
-    }
-    report(state, n);
-}
-
 void transform_sizes(benchmark::internal::Benchmark* b)
 {
     for (int threads : {1, 2}) {
@@ -100,20 +72,10 @@ void transform_sizes(benchmark::internal::Benchmark* b)
     b->ArgNames({"n", "threads"});
 }
 
-void estimator_sizes(benchmark::internal::Benchmark* b)
-{
-    for (long n = 64; n <= (1L << 20); n *= 4) {
-        b->Arg(n);
-    }
-    b->ArgName("n");
-}
-
 } // namespace
 
 BENCHMARK(BM_RealForward_Ours)->Apply(transform_sizes)->UseRealTime();
 BENCHMARK(BM_RealForward_FFTW)->Apply(transform_sizes)->UseRealTime();
-BENCHMARK(BM_Estimator)->Apply(estimator_sizes)->UseRealTime();
-BENCHMARK(BM_EstimatorTransformOnly)->Apply(estimator_sizes)->UseRealTime();
 
 int main(int argc, char** argv)
 {

@@ -1,121 +1,96 @@
 // zelvar-sim: loads a plug-in the way Zelvar does and plays the host's side.
+// Without a command it runs a "Frequency Measurement" channel over its
+// built-in recording and prints the frequencies; "info" shows the start-up
+// dialogue alone.
 #include "plugin_loader.h"
+#include "sim_demo_recording.h"
+#include "sim_frequency_run.h"
+#include "sim_info_command.h"
 #include "sim_log_sink.h"
-#include "sim_host.h"
-#include "zlrbase_messages.h"
+#include "sim_run_printing.h"
 #include "zlruni_logger.h"
 
 #include <CLI/CLI.hpp>
-#include <omp.h>
 
 #include <iostream>
+#include <optional>
+#include <stdexcept>
 #include <string>
-
-namespace {
-
-std::string resultText(std::uint64_t code)
-{
-    switch (code) {
-    case zlr::RESULT_OK:
-        return "0 (ok)";
-    case zlr::RESULT_BAD_ARGUMENT:
-        return "1 (bad argument)";
-    case zlr::RESULT_FAILED:
-        return "4 (failed)";
-    case zlr::RESULT_HOST_VERSION_REFUSED:
-        return "12 (host version refused)";
-    case zlr::RESULT_EXCEPTION:
-        return "13 (exception)";
-    case zlr::RESULT_NOT_HANDLED:
-        return "not handled";
-    default:
-        return std::to_string(code);
-    }
-}
-
-// The first line of a telegram, enough to tell what it is.
-std::string headline(const std::string& text, std::size_t width = 100)
-{
-    std::string line = text.substr(0, text.find('\n'));
-    if (line.size() > width) {
-        line = line.substr(0, width) + "...";
-    }
-    return line;
-}
-
-void printMessages(const zelvar_sim::SimHost& host)
-{
-    const auto messages = host.messages();
-    std::cout << "messages from the plug-in: " << messages.size() << "\n";
-    for (const auto& message : messages) {
-        std::cout << "  " << zelvar_sim::messageName(message.id) << " key " << message.key;
-        if (!message.text.empty()) {
-            std::cout << ": " << message.text.size() << " bytes, " << headline(message.text);
-        } else if (message.value_type == zlr::VALUE_TYPE_UINT64) {
-            std::cout << ": " << message.number;
-        }
-        std::cout << "\n";
-    }
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
     CLI::App app{"zelvar-sim: runs a Zelvar plug-in in a simulated host"};
     std::string plugin_path = ZELVAR_SIM_DEFAULT_PLUGIN;
-    std::string host_name = "Zelvar";
-    std::string host_version = "5.6";
-    bool show_manifest = false;
     unsigned log_level = zlr::UniLogSeverityLevel::Failure;
     app.add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
-    app.add_option("--host-name", host_name, "the name the host gives itself")
-        ->capture_default_str();
-    app.add_option("--host-version", host_version, "the version the host reports")
-        ->capture_default_str();
-    app.add_flag("--manifest", show_manifest, "print the plug-in's whole manifest");
     app.add_option("--log-level", log_level,
                    "show the plug-in's log records from this severity on (1 notes, 5 failures, "
                    "6 errors)")
         ->capture_default_str();
+
+    std::optional<std::string> window_length;
+    std::optional<std::string> overlap;
+    std::optional<std::string> min_frequency;
+    std::optional<std::string> max_frequency;
+    zelvar_sim::RunOptions run;
+    bool stream = false;
+    app.add_option("--window", window_length, "window duration in seconds (0.01 to 1)");
+    app.add_option("--overlap", overlap, "window overlap in percent (0 to 90)");
+    app.add_option("--min-frequency", min_frequency, "lowest frequency published, in Hz");
+    app.add_option("--max-frequency", max_frequency, "highest frequency searched and published, in Hz");
+    app.add_option("--block-duration", run.block_duration,
+                   "seconds of data per block the host hands out; 0 takes the stream's own")
+        ->capture_default_str();
+    app.add_option("--process-interval", run.process_interval,
+                   "host time between two process steps, in seconds")
+        ->capture_default_str();
+    app.add_flag("--stream", stream,
+                 "let the plug-in pull its stream instead of giving each process step its time "
+                 "span; a stream carries no gaps, so their samples are simply missing");
+
+    zelvar_sim::InfoRequest info;
+    CLI::App* info_command =
+        app.add_subcommand("info", "only load, initialise and finish the plug-in, showing its messages");
+    info_command->add_option("--host-name", info.host_name, "the name the host gives itself")
+        ->capture_default_str();
+    info_command->add_option("--host-version", info.host_version, "the version the host reports")
+        ->capture_default_str();
+    info_command->add_flag("--manifest", info.show_manifest, "print the plug-in's whole manifest");
     CLI11_PARSE(app, argc, argv);
 
     zelvar_sim::LogSink log_sink(std::cerr, log_level);
-
-    zelvar_sim::SimHost host;
-    host.setIdentity(host_name, host_version);
-    std::cout << "host: \"" << host_name << "\" version " << host_version << ", "
-              << omp_get_max_threads() << " OpenMP threads\n";
-
     try {
         zelvar_sim::PluginLibrary library(plugin_path);
-        const auto& info = library.manifestInfo();
-        std::cout << "plug-in: " << library.path() << "\n"
-                  << "name: " << library.name() << "\n"
-                  << "manifest: \"" << info.display_name << "\" " << info.version << " by "
-                  << info.vendor << ", uuid " << info.uuid << ", needs host "
-                  << info.minimum_host_version << "\n"
-                  << "description: " << info.description << "\n";
-        if (show_manifest) {
-            std::cout << library.manifest();
+        if (info_command->parsed()) {
+            return zelvar_sim::runInfo(std::cout, library, info);
         }
-        {
-            zelvar_sim::PluginSession session(library, host);
-            const auto& init = session.initOutcome();
-            std::cout << "PLUGIN_INIT: " << resultText(init.code);
-            if (init.has_error_object) {
-                std::cout << ", error object with code " << init.error_code;
+        zelvar_sim::FrequencyRunRequest request;
+        request.inputs = zelvar_sim::demoInputs();
+        request.run = run;
+        request.run.mode =
+            stream ? zelvar_sim::ProcessMode::stream : zelvar_sim::ProcessMode::time_stamped;
+        const std::pair<const char*, const std::optional<std::string>&> edits[] = {
+            {"FREQUENCY_MEASUREMENT/WindowLength", window_length},
+            {"FREQUENCY_MEASUREMENT/WindowOverlap", overlap},
+            {"FREQUENCY_MEASUREMENT/MinFrequency", min_frequency},
+            {"FREQUENCY_MEASUREMENT/MaxFrequency", max_frequency},
+        };
+        for (const auto& [key, text] : edits) {
+            if (text) {
+                request.edits.push_back({key, *text});
             }
-            std::cout << "\n";
-            printMessages(host);
-            host.clearMessages();
-            std::cout << "PLUGIN_FINISH: " << resultText(session.finish()) << "\n";
-            printMessages(host);
         }
+        std::cout << "plug-in: " << library.path() << " (\"" << library.manifestInfo().display_name
+                  << "\" " << library.manifestInfo().version << ")\n";
+        const zelvar_sim::FrequencyRunResult result =
+            zelvar_sim::runFrequencyMeasurement(library, request);
+        zelvar_sim::printFrequencyRun(std::cout, request, result);
+        return result.faults.empty() && result.values_left == 0 ? 0 : 3;
     } catch (const zelvar_sim::LoadError& error) {
         std::cerr << "zelvar-sim: " << error.what() << "\n";
         return 2;
+    } catch (const std::exception& error) {
+        std::cerr << "zelvar-sim: " << error.what() << "\n";
+        return 1;
     }
-    std::cout << "values the plug-in still holds: " << host.valuesOutsideTree() << "\n";
-    return 0;
 }

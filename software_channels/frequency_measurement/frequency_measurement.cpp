@@ -18,7 +18,7 @@ ZV_EXPORT std::intptr_t zvCreatePlugin(const zlr::PluginInterfaceId* id, zlr::If
     if (out == nullptr) {
         return 1;
     }
-    *out = new frequency_measurement::FrequencyMeasurementPlugin();
+    *out = new FrequencyMeasurementPlugin();
     return 1;
 }
 

@@ -7,40 +7,45 @@
 
 #include <exception>
 
-namespace frequency_measurement {
-
-namespace {
-constexpr const char* VERSION_REFUSED_TEXT = "Current version of Zelvar is not supported.";
-}
-
-FrequencyMeasurementPlugin::FrequencyMeasurementPlugin()
-    : m_custom_requests(std::make_shared<zlr::framework::CustomRequestHandler>())
-{
-    addMessageHandler(m_custom_requests);
-}
-
 std::uint64_t FrequencyMeasurementPlugin::init(std::string& error_text)
 {
-    bool supported = false;
     try {
-        supported = zlr::framework::checkHostVersion(m_host);
+        zlr::framework::checkHostVersion(m_host);
     } catch (const std::exception&) {
         // A version text that holds no number cannot be compared: the host
-        // is refused like any unsupported version, and nothing escapes.
-        supported = false;
-    }
-    if (!supported) {
-        error_text = VERSION_REFUSED_TEXT;
+        // gets the answer of an unsupported version, and nothing escapes.
+        error_text = "Current version of Zelvar is not supported.";
         return zlr::RESULT_HOST_VERSION_REFUSED;
     }
-    zlr::addTranslation(m_host, TRANSLATIONS_EN);
-    zlr::addTranslation(m_host, TRANSLATIONS_DE);
-    return zlr::RESULT_OK;
+    return SoftwareChannelPluginBase::init(error_text);
 }
 
-bool FrequencyMeasurementPlugin::deinit()
+void FrequencyMeasurementPlugin::registerTranslations()
 {
-    return true;
+    // A refused catalogue changes nothing for the channel: its keys then show as they are.
+    zlr::addTranslation(m_host, frequency_measurement::TRANSLATIONS_EN);
+    zlr::addTranslation(m_host, frequency_measurement::TRANSLATIONS_DE);
 }
 
-} // namespace frequency_measurement
+zlr::RegisterSoftwareChannelTelegram FrequencyMeasurementPlugin::getSoftwareChannelInfo()
+{
+    zlr::RegisterSoftwareChannelTelegram info;
+    info.m_display_group = "Advanced Math";
+    info.m_service_name = "FrequencyMeasurement";
+    info.m_display_name = "Frequency Measurement";
+    info.m_description = "Adds a channel that calculates the signal frequency of an input channel";
+    info.m_analysis_capable = true;
+    return info;
+}
+
+bool FrequencyMeasurementPlugin::checkInputChannelsFormat(
+    const std::vector<zlr::InputChannelFormat>& candidates, std::vector<std::uint64_t>& invalid)
+{
+    for (const zlr::InputChannelFormat& candidate : candidates) {
+        if (candidate.m_dataformat.m_sample_occurrence != 0 ||
+            candidate.m_dataformat.m_sample_dimension != 1) {
+            invalid.push_back(candidate.m_channel_id);
+        }
+    }
+    return candidates.empty() || invalid.empty();
+}

@@ -1,22 +1,24 @@
-// The plug-in object that zvCreatePlugin makes.
+// The plug-in object that zvCreatePlugin makes: the framework's software
+// channel plug-in over FrequencyMeasurementInstance, with the registration
+// data, the translation catalogues and the filter of input candidates.
 #pragma once
 
-#include "zlrfw_custom_request_handler.h"
-#include "zlrfw_plugin_base.h"
+#include "frequency_measurement_instance.h"
+#include "zlrfw_software_channel_plugin.h"
 
-#include <memory>
+#include <cstdint>
+#include <string>
+#include <vector>
 
-namespace frequency_measurement {
-
-class FrequencyMeasurementPlugin : public zlr::framework::PluginBase {
+class FrequencyMeasurementPlugin
+    : public zlr::framework::SoftwareChannelPlugin<FrequencyMeasurementInstance> {
 public:
-    FrequencyMeasurementPlugin();
-
+    // A host version that is no number is refused like an old one.
     std::uint64_t init(std::string& error_text) override;
-    bool deinit() override;
-
-private:
-    std::shared_ptr<zlr::framework::CustomRequestHandler> m_custom_requests;
+    // The English catalogue, then the German one.
+    void registerTranslations() override;
+    zlr::RegisterSoftwareChannelTelegram getSoftwareChannelInfo() override;
+    // Only synchronous channels of one dimension can be inputs.
+    bool checkInputChannelsFormat(const std::vector<zlr::InputChannelFormat>& candidates,
+                                  std::vector<std::uint64_t>& invalid) override;
 };
-
-} // namespace frequency_measurement

@@ -1,5 +1,5 @@
 // The estimator on signals whose frequency is known.
-#include "frequency_estimator.h"
+#include "frequency_measurement_instance.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,6 @@
 
 namespace {
 
-using frequency_measurement::FrequencyEstimator;
 
 constexpr double TWO_PI = 6.283185307179586;
 
@@ -23,6 +22,19 @@ std::vector<double> sine(std::size_t n, double frequency, double rate, double ph
     return x;
 }
 
+// An instance used as the bare estimator: a transform of `n` samples and the
+// search limit, without a host.
+struct Estimator {
+    FrequencyMeasurementInstance instance;
+
+    void prepare(std::size_t n) { instance.prepareEstimator(n); }
+    double estimate(const std::vector<double>& x, double rate, double max_frequency)
+    {
+        instance.getMaxFrequencySetting()->setValue(max_frequency);
+        return instance.estimateFrequency(x, rate);
+    }
+};
+
 std::vector<double> plus(std::vector<double> a, const std::vector<double>& b)
 {
     for (std::size_t i = 0; i < b.size(); ++i) {
@@ -31,7 +43,7 @@ std::vector<double> plus(std::vector<double> a, const std::vector<double>& b)
     return a;
 }
 
-TEST(FrequencyEstimator, KnownSignalsGiveTheirFrequencies)
+TEST(Estimator, KnownSignalsGiveTheirFrequencies)
 {
     const double rate = 1000.0;
     const double bin1 = rate / 256; // 3.90625 Hz
@@ -65,71 +77,70 @@ TEST(FrequencyEstimator, KnownSignalsGiveTheirFrequencies)
         // differ by about -pi: the estimate comes out as -rate/2.
         {"near Nyquist", sine(256, 499.0, rate, 0.3), 500.0, -500.0, 1e-6},
     };
-    FrequencyEstimator estimator;
+    Estimator estimator;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         estimator.prepare(c.x.size());
-        EXPECT_NEAR(estimator.estimateFrequency(c.x, rate, c.max_frequency), c.want, c.tolerance);
+        EXPECT_NEAR(estimator.estimate(c.x, rate, c.max_frequency), c.want, c.tolerance);
     }
 }
 
-TEST(FrequencyEstimator, BetweenBinsIsNotQuantisedAtAnyPhase)
+TEST(Estimator, BetweenBinsIsNotQuantisedAtAnyPhase)
 {
-    FrequencyEstimator estimator;
+    Estimator estimator;
     estimator.prepare(256);
     // The method's own bias (the mirror image leaks into the Hann-windowed
     // bins) reaches about 0.00104 Hz at the worst phase of this case.
     double worst = 0.0;
     for (int step = 0; step < 360; ++step) {
         const double phase = TWO_PI * step / 360;
-        const double got = estimator.estimateFrequency(sine(256, 123.4, 1000.0, phase), 1000.0, 500.0);
+        const double got = estimator.estimate(sine(256, 123.4, 1000.0, phase), 1000.0, 500.0);
         worst = std::max(worst, std::fabs(got - 123.4));
     }
     EXPECT_LT(worst, 0.0011);
     EXPECT_GT(worst, 1e-5) << "suspiciously exact: the estimate should not be snapped to anything";
 }
 
-TEST(FrequencyEstimator, RefusesWhatCarriesNoFrequency)
+TEST(Estimator, RefusesWhatCarriesNoFrequency)
 {
-    FrequencyEstimator estimator;
+    Estimator estimator;
     std::vector<double> x = sine(256, 100.0, 1000.0, 0.0);
-    EXPECT_TRUE(std::isnan(estimator.estimateFrequency(x, 1000.0, 500.0))) << "not prepared";
+    EXPECT_TRUE(std::isnan(estimator.estimate(x, 1000.0, 500.0))) << "not prepared";
 
     estimator.prepare(256);
     x[17] = std::nan("");
-    const double with_nan = estimator.estimateFrequency(x, 1000.0, 500.0);
+    const double with_nan = estimator.estimate(x, 1000.0, 500.0);
     EXPECT_TRUE(std::isnan(with_nan));
 
     // A wrong length is refused before the transform: the spectrum keeps
     // the last window's values, bit for bit.
     x[17] = 0.0;
-    EXPECT_NEAR(estimator.estimateFrequency(x, 1000.0, 500.0), 100.0, 0.05);
-    const std::vector<ZFFT::complex_t> before = estimator.spectrum();
+    EXPECT_NEAR(estimator.estimate(x, 1000.0, 500.0), 100.0, 0.05);
+    const std::vector<ZFFT::complex_t> before = estimator.instance.getSpectrum();
     for (std::size_t wrong : {0, 128, 255, 257, 512}) {
-        EXPECT_TRUE(std::isnan(estimator.estimateFrequency(std::vector<double>(wrong, 1.0), 1000.0, 500.0)))
+        EXPECT_TRUE(std::isnan(estimator.estimate(std::vector<double>(wrong, 1.0), 1000.0, 500.0)))
             << wrong;
     }
-    ASSERT_EQ(before.size(), estimator.spectrum().size());
-    EXPECT_EQ(std::memcmp(before.data(), estimator.spectrum().data(), before.size() * sizeof(ZFFT::complex_t)), 0);
+    ASSERT_EQ(before.size(), estimator.instance.getSpectrum().size());
+    EXPECT_EQ(std::memcmp(before.data(), estimator.instance.getSpectrum().data(), before.size() * sizeof(ZFFT::complex_t)), 0);
 
     // Windows of one and two samples have no bin pair to work with.
     for (std::size_t n : {1, 2}) {
         estimator.prepare(n);
-        EXPECT_TRUE(std::isnan(estimator.estimateFrequency(std::vector<double>(n, 1.0), 100.0, 50.0))) << n;
+        EXPECT_TRUE(std::isnan(estimator.estimate(std::vector<double>(n, 1.0), 100.0, 50.0))) << n;
     }
 
-    estimator.release();
-    EXPECT_FALSE(estimator.prepared());
-    EXPECT_TRUE(std::isnan(estimator.estimateFrequency(std::vector<double>(2, 1.0), 100.0, 50.0)));
+    estimator.instance.releaseEstimator();
+    EXPECT_TRUE(std::isnan(estimator.estimate(std::vector<double>(2, 1.0), 100.0, 50.0)));
 }
 
 // Random frequencies, phases, amplitudes and rates: the estimate lands
 // within a small fraction of a bin, away from the two ends of the band
 // where the mirror image sits close.
-TEST(FrequencyEstimator, RandomSinesLandWithinAFiftiethOfABin)
+TEST(Estimator, RandomSinesLandWithinAFiftiethOfABin)
 {
     std::mt19937_64 gen(20261123);
-    FrequencyEstimator estimator;
+    Estimator estimator;
     for (std::size_t n : {64, 256, 1024, 4096, 16384}) {
         estimator.prepare(n);
         double worst_bins = 0.0;
@@ -139,7 +150,7 @@ TEST(FrequencyEstimator, RandomSinesLandWithinAFiftiethOfABin)
             const double phase = std::uniform_real_distribution<double>(0.0, TWO_PI)(gen);
             const double amplitude = std::exp(std::uniform_real_distribution<double>(-10.0, 10.0)(gen));
             const double df = rate / static_cast<double>(n);
-            const double got = estimator.estimateFrequency(sine(n, bins * df, rate, phase, amplitude), rate, rate / 2);
+            const double got = estimator.estimate(sine(n, bins * df, rate, phase, amplitude), rate, rate / 2);
             worst_bins = std::max(worst_bins, std::fabs(got - bins * df) / df);
         }
         EXPECT_LT(worst_bins, 0.02) << "n=" << n;

@@ -89,7 +89,7 @@ TEST(PluginTexts, CataloguesTranslateTheSameKeysInBothLanguages)
     EXPECT_TRUE(std::any_of(sent[1].text.begin(), sent[1].text.end(), [](char c) { return c & 0x80; }));
 }
 
-// Every setting that a new channel offers has its text.
+// Every setting that a new channel shows a person has its text.
 TEST(PluginTexts, EverySettingOfAChannelIsTranslated)
 {
     zelvar_sim::SimHost host;
@@ -107,9 +107,16 @@ TEST(PluginTexts, EverySettingOfAChannelIsTranslated)
     for (const auto& message : host.messagesWithId(zlr::HOST_UPDATE_CONFIG)) {
         zlr::UpdateConfigTelegram telegram;
         ASSERT_TRUE(telegram.parse(message.text.data(), message.text.size()));
+        // The settings a person sees are the public ones; the framework's
+        // own (the instance key, "Used") have no text of the plug-in.
         for (const auto& channel : telegram.m_channels) {
-            for (const auto& property : channel.m_properties) {
-                settings.insert(property.getName());
+            for (const auto& [name, constraints] : channel.m_constraints) {
+                for (const auto& constraint : constraints) {
+                    if (constraint.getKind() == zlr::Constraint::VISIBILITY &&
+                        constraint.getVisibility() == "PUBLIC") {
+                        settings.insert(name);
+                    }
+                }
             }
         }
     }

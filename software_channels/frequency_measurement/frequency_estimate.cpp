@@ -1,12 +1,14 @@
-#include "frequency_estimator.h"
+// One window of equally spaced samples to one frequency in hertz: the
+// strongest bin of the raw power spectrum, refined by the phase difference
+// between two Hann-windowed spectra at that bin, each formed from three
+// neighbouring raw bins.
+#include "frequency_measurement_instance.h"
 
 #include "frequency_strongest_bin.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace frequency_measurement {
 namespace {
 
 using ZFFT::complex_t;
@@ -26,7 +28,7 @@ complex_t minus(complex_t a, complex_t b)
 }
 
 // 0.5 exp(i angle), the exponential first and then halved in both parts.
-complex_t half_exp_i(double angle)
+complex_t halfExpI(double angle)
 {
     const complex_t e{std::cos(angle), std::sin(angle)};
     return {0.5 * e.re, 0.5 * e.im};
@@ -34,32 +36,34 @@ complex_t half_exp_i(double angle)
 
 } // namespace
 
-void FrequencyEstimator::prepare(std::uint64_t window_size)
+void FrequencyMeasurementInstance::prepareEstimator(std::uint64_t window_size)
 {
     m_fft.reset();
     m_window_size = window_size;
     m_fft = ZFFT::create_real_fft(static_cast<int>(window_size), 0);
-    m_spectrum.assign(window_size, complex_t{0.0, 0.0});
+    m_spectrum.clear();
+    m_spectrum.resize(window_size, complex_t{0.0, 0.0});
 }
 
-void FrequencyEstimator::release()
+void FrequencyMeasurementInstance::releaseEstimator()
 {
     m_fft.reset();
-    m_spectrum = std::vector<complex_t>();
+    std::vector<complex_t>().swap(m_spectrum);
 }
 
-double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples, double sample_rate,
-                                             double max_frequency)
+double FrequencyMeasurementInstance::estimateFrequency(const std::vector<double>& samples,
+                                                       double sample_rate)
 {
     constexpr double refused = std::numeric_limits<double>::quiet_NaN();
     const std::uint64_t n = samples.size();
-    if (n != m_window_size || !m_fft) {
+    // A size changed by the settings after the transform was made waits
+    // for the next preparation.
+    if (n != m_window_size || !m_fft || m_spectrum.size() != n) {
         return refused;
     }
     // Windows of one or two samples carry no frequency: the three-bin
     // formula would read X[2] beyond the spectrum, and a two-sample
-    // transform has no inner transform to run. They answer NaN before any
-    // work, which the range test then drops like any refused value.
+    // transform has no inner transform to run.
     if (n < 4) {
         return refused;
     }
@@ -67,14 +71,14 @@ double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples,
     m_fft->forward_raw(samples.data(), m_spectrum.data());
     const complex_t* X = m_spectrum.data();
 
+    // Read at every window, so that a change of the setting acts on the next.
+    const double max_frequency = m_max_frequency->getValue();
     const double df = sample_rate / static_cast<double>(n);
     const long long r = std::llround(max_frequency / df);
     // Unsigned on purpose: a negative r + 1 wraps to a huge limit.
     const std::uint64_t r_plus_1 = static_cast<std::uint64_t>(r) + 1u;
     const std::uint64_t limit = n < r_plus_1 ? n : r_plus_1;
 
-    // Bin 0 is never a candidate; the first of equal peaks wins, and a NaN
-    // power never wins.
     const std::uint64_t k = strongestBin(X, limit);
     // The mirror keeps the peak in the lower half, so X[k+1] exists; a
     // spectrum that broke that would otherwise be read past its end.
@@ -85,13 +89,13 @@ double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples,
     const double omega = TWO_PI / static_cast<double>(n);
     // exp(-i omega) is the conjugate of exp(i omega) to the last bit (the
     // cosine is even, the sine odd), so one evaluation serves a and b.
-    const complex_t b = half_exp_i(omega);
+    const complex_t b = halfExpI(omega);
     const complex_t a{b.re, -b.im};
 
     // Spectrum at bin k, under a periodic Hann window, of the signal
     // advanced by one sample ...
     const complex_t Y = minus(minus(X[k], times(b, X[k + 1])), times(a, X[k - 1]));
-    const complex_t Z = times(Y, half_exp_i(omega * static_cast<double>(k)));
+    const complex_t Z = times(Y, halfExpI(omega * static_cast<double>(k)));
     const double phi1 = std::atan2(Z.im, Z.re);
 
     // ... and of the signal as it stands.
@@ -107,5 +111,3 @@ double FrequencyEstimator::estimateFrequency(const std::vector<double>& samples,
     }
     return (d / TWO_PI) * sample_rate;
 }
-
-} // namespace frequency_measurement

@@ -1,0 +1,65 @@
+// The main job of zelvar-sim: play the host around one "Frequency
+// Measurement" channel. The host model adds the channel over the given
+// inputs, edits the settings a person asked for, and the data side runs it
+// over the recordings; what the host then holds is gathered for printing.
+#pragma once
+
+#include "plugin_loader.h"
+#include "sim_demo_recording.h"
+#include "sim_output_capture.h"
+#include "sim_task_driver.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelvar_sim {
+
+// A setting of the channel as the person typed it, by its key.
+struct SettingEdit {
+    std::string key;
+    std::string text;
+};
+
+struct FrequencyRunRequest {
+    std::vector<DemoInput> inputs;
+    std::vector<SettingEdit> edits;
+    RunOptions run;
+};
+
+// One setting as the host shows it after the edits.
+struct ShownSetting {
+    std::string key;
+    std::string label; // from the plug-in's English catalogue, or the key
+    std::string value;
+};
+
+// One output channel and what the plug-in wrote to it.
+struct RunOutput {
+    std::uint32_t local_id = 0;
+    std::string name;
+    double rate = 0.0; // values per second, from the channel's timebase
+    bool valid = false;
+    std::vector<CapturedBlock> blocks;
+};
+
+struct FrequencyRunResult {
+    std::vector<ShownSetting> settings;
+    double window_length = 0.0; // seconds, as the host shows the setting
+    // Edits the plug-in did not take as typed: the key and what the host shows now.
+    std::vector<std::string> refused_edits;
+    std::vector<RunOutput> outputs;
+    bool task_registered = false;
+    RunReport report;
+    std::vector<ProtocolFault> faults;
+    std::int64_t values_left = 0; // host values the plug-in still held at the end
+};
+
+// Runs the whole dialogue in a fresh host of its own; the library stays
+// loaded. Throws std::runtime_error when the channel cannot be created, and
+// std::invalid_argument for an edit whose text does not fit the setting.
+FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
+                                           const FrequencyRunRequest& request);
+
+} // namespace zelvar_sim

@@ -1,0 +1,170 @@
+// The run half of the frequency channel: each input's samples go into a
+// sliding window, every full window gives one estimate, and the estimates of
+// a step go to the host in one block per output channel.
+#include "frequency_measurement_instance.h"
+
+#include "zlrapi_utils.h"
+#include "zlrbase_assert.h"
+#include "zlrfw_sample_position.h"
+
+#include <algorithm>
+#include <limits>
+
+using zlr::framework::timeToSampleIndex;
+
+namespace {
+
+constexpr std::uint64_t NOT_SET = ~std::uint64_t{0};
+
+// A channel without a "Used" property counts as used.
+bool isUsed(const std::shared_ptr<zlr::framework::PluginChannel>& channel)
+{
+    if (!channel) {
+        return false;
+    }
+    const std::shared_ptr<zlr::framework::BooleanProperty> used = channel->getUsedProperty();
+    return !used || used->getValue();
+}
+
+} // namespace
+
+void FrequencyMeasurementInstance::prepareProcessing(zlr::IfHost*)
+{
+    const std::vector<std::shared_ptr<zlr::framework::InputChannel>>& input_channels =
+        m_input_channels;
+    if (m_output_channels.size() != input_channels.size() + 1) {
+        zlr::reportComparison("m_output_channels.size()", " != ", "input_channels.size() + 1",
+                              m_output_channels.size(), input_channels.size() + 1,
+                              ASSERTION_PATH, __LINE__);
+    }
+    m_channel_contexts.resize(input_channels.size());
+    for (std::size_t i = 0; i < input_channels.size(); ++i) {
+        ChannelContext& ch_context = m_channel_contexts[i];
+        ch_context.sample_rate = input_channels[i]->getTimebase().m_frequency;
+        ch_context.next_output_sample = NOT_SET;
+        ch_context.next_sample = NOT_SET;
+        ch_context.window.clear();
+        // Appends during the run must never allocate.
+        ch_context.window.reserve(std::max(m_window_size, m_window_step));
+    }
+    prepareEstimator(m_window_size);
+}
+
+void FrequencyMeasurementInstance::stopProcessing(zlr::IfHost*)
+{
+    releaseEstimator();
+    m_channel_contexts.clear();
+}
+
+void FrequencyMeasurementInstance::process(zlr::framework::ProcessContext& context,
+                                           zlr::IfHost* host)
+{
+    if (m_output_channels.empty() || !isUsed(m_output_channels.front())) {
+        return;
+    }
+    const std::vector<std::uint64_t> input_ids = m_input_channels_property->getValue();
+    if (input_ids.empty()) {
+        return;
+    }
+    // Without a window there is nothing to fill; settings that allow none
+    // are refused at configuration, and the host does not prepare them.
+    if (m_window_size == 0 || m_window_step == 0) {
+        return;
+    }
+    const double min_frequency = m_min_frequency->getValue();
+    const double max_frequency = m_max_frequency->getValue();
+    std::vector<double> results;
+    results.reserve(16);
+
+    for (std::size_t i = 0; i < input_ids.size(); ++i) {
+        // An input list longer than the outputs (an id twice, two inputs of
+        // one name) has no place for the surplus; prepareProcessing has
+        // reported it already.
+        if (i + 1 >= m_output_channels.size() || i >= m_channel_contexts.size()) {
+            break;
+        }
+        const std::shared_ptr<zlr::framework::PluginChannel>& output = m_output_channels[i + 1];
+        if (!isUsed(output)) {
+            continue;
+        }
+        const auto found = context.channel_iterators.find(input_ids[i]);
+        if (found == context.channel_iterators.end()) {
+            continue;
+        }
+        zlr::framework::StreamIterator& samples = found->second;
+        samples.setSkipGaps(false);
+
+        ChannelContext& ch_context = m_channel_contexts[i];
+        processChannel(ch_context, samples, context, min_frequency, max_frequency, results);
+        if (!results.empty()) {
+            zlr::writeSamples(host, output->getLocalId(), ch_context.next_output_sample,
+                              results.data(), results.size() * sizeof(double));
+            ch_context.next_output_sample += results.size();
+            results.clear();
+        }
+    }
+}
+
+void FrequencyMeasurementInstance::processChannel(ChannelContext& ch_context,
+                                                  zlr::framework::StreamIterator& samples,
+                                                  const zlr::framework::ProcessContext& context,
+                                                  double min_frequency, double max_frequency,
+                                                  std::vector<double>& results)
+{
+    std::uint64_t start_sample = timeToSampleIndex(context.window_start, ch_context.sample_rate);
+    const std::uint64_t end_sample = timeToSampleIndex(context.window_end, ch_context.sample_rate);
+    if (!(start_sample <= end_sample)) {
+        zlr::reportComparison("start_sample", " <= ", "end_sample", start_sample, end_sample,
+                              ASSERTION_PATH, __LINE__);
+    }
+    // Consecutive steps adjoin, without gap or overlap.
+    if (ch_context.next_sample != NOT_SET && start_sample != ch_context.next_sample) {
+        zlr::reportComparison("start_sample", " != ", "ch_context.next_sample", start_sample,
+                              ch_context.next_sample, ASSERTION_PATH, __LINE__);
+    }
+
+    std::vector<double>& window = ch_context.window;
+    while (start_sample < end_sample) {
+        if (!samples.valid()) {
+            break;
+        }
+        // A gap reads as NaN and still counts as a sample, so that indices
+        // stay aligned with time.
+        window.push_back(samples.value<double>());
+        ++samples;
+        ++start_sample;
+
+        const std::uint64_t current_window_size = window.size();
+        if (current_window_size < m_window_size) {
+            continue;
+        }
+        if (current_window_size == m_window_size) {
+            double frequency = estimateFrequency(window, ch_context.sample_rate);
+            // Both limits are inclusive.
+            if (min_frequency > frequency || frequency > max_frequency) {
+                frequency = std::numeric_limits<double>::quiet_NaN();
+            }
+            results.push_back(frequency);
+        }
+        if (m_window_step <= m_window_size) {
+            if (!(current_window_size >= m_window_step)) {
+                zlr::reportAssertion("current_window_size >= m_window_step", ASSERTION_PATH,
+                                     __LINE__);
+            }
+            const std::uint64_t drop = std::min(current_window_size, m_window_step);
+            window.erase(window.begin(), window.begin() + static_cast<std::ptrdiff_t>(drop));
+        } else if (current_window_size == m_window_step) {
+            // A step longer than the window: the samples past the window
+            // are dropped before the next one starts.
+            window.clear();
+        }
+    }
+    ch_context.next_sample = end_sample;
+
+    if (ch_context.next_output_sample == NOT_SET) {
+        ch_context.next_output_sample =
+            timeToSampleIndex(context.window_start,
+                              ch_context.sample_rate / static_cast<double>(m_window_step)) +
+            1;
+    }
+}
