@@ -115,7 +115,7 @@ void printTable(std::ostream& out, const FrequencyRunResult& result)
     }
     out << "\n";
     for (const auto& [index, values] : rows) {
-        out << std::setw(8) << fixed(static_cast<double>(index) / rate, 2);
+        out << std::setw(8) << fixed(static_cast<double>(index) / rate, 3);
         for (std::size_t column = 0; column < values.size(); ++column) {
             out << std::setw(widths[column])
                 << (values[column] ? fixed(*values[column], 2) : std::string());
