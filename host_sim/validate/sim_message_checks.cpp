@@ -1,0 +1,156 @@
+// Every message a plug-in receives, sent with what a careless or broken
+// host might put in it: nothing, a value of the wrong type, empty and
+// malformed and oversized telegrams, keys and ids nobody knows. The plug-in
+// must answer each with a code, crash on none, and give back every value.
+#include "plugin_loader.h"
+#include "sim_validate_checks.h"
+#include "sim_values.h"
+#include "zlrbase_messages.h"
+
+#include <functional>
+#include <set>
+
+namespace zelvar_sim::validate {
+namespace {
+
+struct ReceivedMessage {
+    std::uint32_t id;
+    const char* name;
+};
+
+// PLUGIN_INIT and PLUGIN_FINISH are the session's own: they open and close
+// the check.
+const ReceivedMessage RECEIVED_MESSAGES[] = {
+    {zlr::PLUGIN_EVENT, "PLUGIN_EVENT"},
+    {zlr::PLUGIN_CUSTOM_REQUEST, "PLUGIN_CUSTOM_REQUEST"},
+    {zlr::PLUGIN_CHANNELS_CHECK, "PLUGIN_CHANNELS_CHECK"},
+    {zlr::PLUGIN_CONFIG_UPDATE, "PLUGIN_CONFIG_UPDATE"},
+    {zlr::PLUGIN_CONFIG_RESTORE, "PLUGIN_CONFIG_RESTORE"},
+    {zlr::PLUGIN_CONFIG_APPLIED, "PLUGIN_CONFIG_APPLIED"},
+    {zlr::PLUGIN_CHANNEL_IDS_MAPPED, "PLUGIN_CHANNEL_IDS_MAPPED"},
+    {zlr::PLUGIN_CHANNEL_DATA_FORMAT, "PLUGIN_CHANNEL_DATA_FORMAT"},
+    {zlr::PLUGIN_CHANNEL_CONFIG_CHANGED, "PLUGIN_CHANNEL_CONFIG_CHANGED"},
+    {zlr::PLUGIN_CHANNEL_STATUS, "PLUGIN_CHANNEL_STATUS"},
+    {zlr::PLUGIN_TASK_PROCESS, "PLUGIN_TASK_PROCESS"},
+    {zlr::PLUGIN_TASK_INIT_TIMEBASES, "PLUGIN_TASK_INIT_TIMEBASES"},
+    {zlr::PLUGIN_TASK_PREPARE_PROCESSING, "PLUGIN_TASK_PREPARE_PROCESSING"},
+    {zlr::PLUGIN_TASK_STOP_PROCESSING, "PLUGIN_TASK_STOP_PROCESSING"},
+    {zlr::PLUGIN_SOFTWARE_CHANNEL_CREATE, "PLUGIN_SOFTWARE_CHANNEL_CREATE"},
+    {zlr::PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION, "PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION"},
+    {zlr::PLUGIN_SOFTWARE_CHANNEL_HAS_INSTANCES, "PLUGIN_SOFTWARE_CHANNEL_HAS_INSTANCES"},
+    {zlr::PLUGIN_CONFIG_CLEAR, "PLUGIN_CONFIG_CLEAR"},
+};
+
+const std::set<std::uint64_t> KNOWN_ANSWERS = {
+    zlr::RESULT_OK,        zlr::RESULT_BAD_ARGUMENT,         zlr::RESULT_FAILED,
+    zlr::RESULT_EXCEPTION, zlr::RESULT_HOST_VERSION_REFUSED, zlr::RESULT_NOT_HANDLED};
+
+std::string oversizedTelegram()
+{
+    // Deeply nested and long: a reader that recurses or copies carelessly
+    // shows it here.
+    std::string text = "<?xml version=\"1.0\"?>";
+    constexpr int DEPTH = 20000;
+    for (int i = 0; i < DEPTH; ++i) {
+        text += "<Channels>";
+    }
+    text += std::string(4u << 20, 'x');
+    for (int i = 0; i < DEPTH; ++i) {
+        text += "</Channels>";
+    }
+    return text;
+}
+
+struct HostileValue {
+    std::string what;
+    std::function<zlr::IfValue*(SimHost&)> make; // null: no value at all
+};
+
+std::vector<HostileValue> hostileValues()
+{
+    const auto xml = [](std::string text) {
+        return [text](SimHost& host) -> zlr::IfValue* {
+            return new XmlValue(host.ledger(), text);
+        };
+    };
+    return {
+        {"no value", [](SimHost&) -> zlr::IfValue* { return nullptr; }},
+        {"a string value", [](SimHost& host) -> zlr::IfValue* {
+             return new StringValue(host.ledger(), "<Channels/>");
+         }},
+        {"a boolean value",
+         [](SimHost& host) -> zlr::IfValue* { return new BooleanValue(host.ledger(), true); }},
+        {"an unsigned value",
+         [](SimHost& host) -> zlr::IfValue* { return new UInt64Value(host.ledger(), ~0ull); }},
+        {"an empty telegram", xml("")},
+        {"a telegram that does not parse", xml("<Channels><Channel channel_id=\"1\">")},
+        {"an unknown root element", xml("<NoSuchTelegram version=\"1\"/>")},
+        {"unknown ids and keys",
+         xml("<UpdateConfig><Channel channel_id=\"4294967295\"><Property name=\"NoSuchKey\" "
+             "type=\"double\" value=\"nan\"/></Channel></UpdateConfig>")},
+        {"numbers that are no numbers",
+         xml("<Channels><Channel channel_id=\"-1e999\" valid=\"maybe\"/></Channels>")},
+        {"an oversized telegram", xml(oversizedTelegram())},
+    };
+}
+
+std::vector<std::uint64_t> hostileKeys(CheckContext& context)
+{
+    return {0, 1, 0x7FFFFFFF, 0x80000000, ~0ull, context.random()()};
+}
+
+void checkHostileMessages(CheckContext& context)
+{
+    PluginLibrary library(context.pluginPath());
+    const std::vector<HostileValue> values = hostileValues();
+    const std::vector<std::uint64_t> keys = hostileKeys(context);
+    SimHost host;
+    host.setIdentity("Zelvar", library.manifestInfo().minimum_host_version);
+    {
+        PluginSession session(library, host);
+        for (const ReceivedMessage& message : RECEIVED_MESSAGES) {
+            for (const HostileValue& hostile : values) {
+                // Unknown keys with the two values that reach the lookup of a
+                // key; every other value once, with key 0.
+                const bool key_matters = &hostile == &values.front() || &hostile == &values[7];
+                for (const std::uint64_t key : key_matters ? keys : std::vector<std::uint64_t>{0}) {
+                    context.trace(std::string(message.name) + " with " + hostile.what + ", key " +
+                                  std::to_string(key));
+                    zlr::IfValue* value = hostile.make(host);
+                    zlr::IfValue* result = nullptr;
+                    const std::uint64_t answer = session.send(message.id, key, value, &result);
+                    if (result) {
+                        result->release();
+                    }
+                    if (value) {
+                        value->release();
+                    }
+                    CheckContext::require(KNOWN_ANSWERS.count(answer) == 1,
+                                          std::string(message.name) + " with " + hostile.what +
+                                              " answers " + std::to_string(answer) +
+                                              ", which is no result code of the contract");
+                }
+            }
+        }
+        context.trace("PLUGIN_FINISH after the hostile messages");
+        session.finish();
+    }
+    CheckContext::require(host.valuesOutsideTree() == 0,
+                          std::to_string(host.valuesOutsideTree()) +
+                              " host value objects still alive after the plug-in was deleted "
+                              "(a reference kept or never released)");
+}
+
+} // namespace
+
+std::vector<Check> messageChecks()
+{
+    return {
+        {"hostile-messages", 1,
+         "every message with no value, wrong types, empty, malformed and oversized telegrams and "
+         "unknown keys: an answer code each, no crash, every value given back",
+         checkHostileMessages},
+    };
+}
+
+} // namespace zelvar_sim::validate
