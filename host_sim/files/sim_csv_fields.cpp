@@ -1,5 +1,6 @@
 #include "sim_csv_fields.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -22,12 +23,19 @@ std::string_view trimmed(std::string_view text)
 
 char guessCsvSeparator(std::string_view first_line)
 {
-    for (char separator : {',', ';', '\t'}) {
-        if (first_line.find(separator) != std::string_view::npos) {
-            return separator;
+    // ';' and tabs are chosen over ',' since their files write decimal commas.
+    bool quoted = false;
+    bool tab = false;
+    for (char c : first_line) {
+        if (c == '"') {
+            quoted = !quoted;
+        } else if (!quoted && c == ';') {
+            return ';';
+        } else if (!quoted && c == '\t') {
+            tab = true;
         }
     }
-    return ',';
+    return tab ? '\t' : ',';
 }
 
 void splitCsvLine(std::string_view line, char separator, std::vector<std::string>& fields)
@@ -81,9 +89,24 @@ void splitCsvLine(std::string_view line, char separator, std::vector<std::string
     finish();
 }
 
-CsvFieldKind readCsvField(const std::string& field, double& value)
+bool dropByteOrderMark(std::string& first_line)
 {
+    if (first_line.rfind("\xEF\xBB\xBF", 0) != 0) {
+        return false;
+    }
+    first_line.erase(0, 3);
+    return true;
+}
+
+CsvFieldKind readCsvField(const std::string& field, double& value, bool decimal_comma)
+{
+    std::string with_point;
     std::string_view text = trimmed(field);
+    if (decimal_comma && text.find(',') != std::string_view::npos) {
+        with_point = std::string(text);
+        std::replace(with_point.begin(), with_point.end(), ',', '.');
+        text = with_point;
+    }
     if (text.empty()) {
         return CsvFieldKind::missing;
     }

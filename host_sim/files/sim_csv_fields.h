@@ -9,7 +9,7 @@
 
 namespace zelvar_sim {
 
-// ',' when the line has one, else ';', else a tab, else ','.
+// ';' when the line has one outside quotes, else a tab, else ','.
 char guessCsvSeparator(std::string_view first_line);
 
 // The fields of a line, cut at the separator outside double quotes, trimmed
@@ -18,8 +18,14 @@ void splitCsvLine(std::string_view line, char separator, std::vector<std::string
 
 enum class CsvFieldKind { number, missing, bad };
 
-// A number in the C locale's form (a leading '+' allowed); an empty field or
-// any NaN is missing. `value` is set for a number only.
-CsvFieldKind readCsvField(const std::string& field, double& value);
+// A number in the C locale's form (a leading '+' allowed), or with a decimal
+// comma where `decimal_comma` (files separated by ';' or tabs, as
+// spreadsheets of many countries write them); an empty field or any NaN is missing. `value`
+// is set for a number only.
+CsvFieldKind readCsvField(const std::string& field, double& value, bool decimal_comma = false);
+
+// Drops a UTF-8 byte order mark at the start of a file's first line; true
+// when there was one.
+bool dropByteOrderMark(std::string& first_line);
 
 } // namespace zelvar_sim

@@ -42,9 +42,12 @@ public:
         std::uint64_t line_number = 0;
         while (std::getline(in, line)) {
             ++line_number;
-            const std::uint64_t line_offset = offset;
+            std::uint64_t line_offset = offset;
             offset += line.size() + 1;
             if (line_number == 1) {
+                if (dropByteOrderMark(line)) {
+                    line_offset += 3;
+                }
                 m_layout.separator = guessCsvSeparator(line);
                 splitCsvLine(line, m_layout.separator, fields);
                 m_layout.columns = fields.size();
@@ -94,12 +97,12 @@ public:
     }
 
 private:
-    static bool isHeader(const std::vector<std::string>& fields)
+    bool isHeader(const std::vector<std::string>& fields) const
     {
         bool text = false;
         for (const std::string& field : fields) {
             double value = 0.0;
-            const CsvFieldKind kind = readCsvField(field, value);
+            const CsvFieldKind kind = readCsvField(field, value, m_layout.separator != ',');
             if (kind == CsvFieldKind::number) {
                 return false;
             }
@@ -136,7 +139,8 @@ private:
         }
         for (std::size_t c = 0; c < fields.size(); ++c) {
             double value = 0.0;
-            const CsvFieldKind kind = readCsvField(fields[c], value);
+            // In a file not separated by ',' a comma can only be a decimal comma.
+            const CsvFieldKind kind = readCsvField(fields[c], value, m_layout.separator != ',');
             if (kind == CsvFieldKind::bad) {
                 throw FileError(m_path + ":" + std::to_string(line_number) + ": \"" + fields[c] +
                                 "\" in column " + std::to_string(c + 1) + " (" +
@@ -210,7 +214,7 @@ public:
             }
             for (const std::string& field : m_fields) {
                 double value = std::numeric_limits<double>::quiet_NaN();
-                if (readCsvField(field, value) == CsvFieldKind::bad) {
+                if (readCsvField(field, value, m_separator != ',') == CsvFieldKind::bad) {
                     throw changed();
                 }
                 *values++ = value;

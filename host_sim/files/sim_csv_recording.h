@@ -1,10 +1,12 @@
 // Columns of a CSV file as the host's inputs, one column a channel, at a
 // sample rate the caller gives. The first line is a header when none of its
 // fields is a number: its names become the inputs' LongName, else they are
-// "ch0", "ch1", ... Fields are separated by ',' (or by ';' or a tab when the
-// first line has no ','); a field may be quoted. An empty field or "nan" is a
-// missing sample, delivered as a gap; a blank line is a row of them in a file
-// of one column; blank lines at the end are not rows.
+// "ch0", "ch1", ... Fields are separated by ';' when the first line has
+// one, else by a tab when it has one, else by ','; with ';' and tabs a ','
+// in a number is its decimal comma. A field may be quoted, and a UTF-8 byte
+// order mark is dropped. An empty field or "nan" is a missing sample,
+// delivered as a gap; a blank line is a row of them in a file of one
+// column; blank lines at the end are not rows.
 //
 // The file is read twice: once when opened, to check every number (so that
 // a bad one is refused before a run begins, with its line) and to note the
