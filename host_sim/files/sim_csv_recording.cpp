@@ -27,6 +27,7 @@ struct CsvLayout {
     std::vector<std::vector<SampleSpan>> spans; // per column
     std::vector<std::uint64_t> marks; // byte offset of every 1024th row
     std::uint64_t rows = 0;
+    std::uint64_t first_row_line = 1;
 };
 
 class CsvScan {
@@ -54,6 +55,7 @@ public:
                 m_open_since.assign(m_layout.columns, std::nullopt);
                 m_layout.spans.resize(m_layout.columns);
                 if (isHeader(fields)) {
+                    m_layout.first_row_line = 2;
                     for (std::size_t c = 0; c < fields.size(); ++c) {
                         m_layout.names.push_back(fields[c].empty() ? "ch" + std::to_string(c)
                                                                    : fields[c]);
@@ -174,7 +176,8 @@ class CsvSource final : public FrameSource {
 public:
     CsvSource(std::string path, const CsvLayout& layout)
         : m_path(std::move(path)), m_separator(layout.separator), m_columns(layout.columns),
-          m_rows(layout.rows), m_marks(layout.marks), m_in(m_path, std::ios::binary)
+          m_rows(layout.rows), m_first_row_line(layout.first_row_line), m_marks(layout.marks),
+          m_in(m_path, std::ios::binary)
     {
         if (!m_in) {
             throw FileError(m_path + ": cannot be opened again for reading");
@@ -210,12 +213,12 @@ public:
                 splitCsvLine(m_line, m_separator, m_fields);
             }
             if (m_fields.size() != m_columns) {
-                throw changed();
+                throw changed(m_next_row - 1);
             }
             for (const std::string& field : m_fields) {
                 double value = std::numeric_limits<double>::quiet_NaN();
                 if (readCsvField(field, value, m_separator != ',') == CsvFieldKind::bad) {
-                    throw changed();
+                    throw changed(m_next_row - 1);
                 }
                 *values++ = value;
             }
@@ -226,21 +229,22 @@ private:
     void nextLine()
     {
         if (!std::getline(m_in, m_line)) {
-            throw changed();
+            throw changed(m_next_row);
         }
         ++m_next_row;
     }
 
-    FileError changed() const
+    FileError changed(std::uint64_t row) const
     {
-        return FileError(m_path + ": row " + std::to_string(m_next_row) +
-                         " no longer reads as it did when the file was opened");
+        return FileError(m_path + ":" + std::to_string(row + m_first_row_line) +
+                         ": no longer reads as it did when the file was opened");
     }
 
     std::string m_path;
     char m_separator;
     std::size_t m_columns;
     std::uint64_t m_rows;
+    std::uint64_t m_first_row_line;
     std::vector<std::uint64_t> m_marks;
     std::ifstream m_in;
     std::uint64_t m_next_row = std::numeric_limits<std::uint64_t>::max();

@@ -113,7 +113,10 @@ public:
         if (got != wanted) {
             throw FileError(m_path + ": reading stopped at frame " +
                             std::to_string(first + static_cast<std::uint64_t>(got > 0 ? got : 0)) +
-                            " of " + std::to_string(frames()) + ": " + sf_strerror(m_file));
+                            " of " + std::to_string(frames()) + ": " +
+                            (sf_error(m_file) != SF_ERR_NO_ERROR
+                                 ? sf_strerror(m_file)
+                                 : "the file is shorter than when it was opened"));
         }
     }
 

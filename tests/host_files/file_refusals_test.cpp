@@ -60,6 +60,31 @@ TEST(FileRefusals, AnswerWithOneLineNamingTheFile)
     }
 }
 
+// A file that changes under a run is no longer read: the host gets no data
+// for it, and the reader keeps the first fault for the command to tell.
+TEST(FileRefusals, AFileChangedAfterOpeningFailsItsReadsAndSaysWhy)
+{
+    const auto folder = test::testFolder();
+    const auto csv = folder / "changed.csv";
+    const auto wav = folder / "changed.wav";
+    test::writeText(csv, "a\n1\n2\n3\n");
+    test::writeSoundFile(wav, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 1, 100, std::vector<float>(5000, 1));
+    const RecordingFile files[] = {openRecordingFile(csv.string(), 100.0, {.bytes = 8}),
+                                   openRecordingFile(wav.string(), {}, {.bytes = 4})};
+    test::writeText(csv, "a\n1\nx\n3\n");
+    std::filesystem::resize_file(wav, 1000);
+    for (const RecordingFile& file : files) {
+        SCOPED_TRACE(file.path);
+        double sink[8]{};
+        const auto* recording = file.inputs[0].recording.get();
+        EXPECT_TRUE(recording->read(0, 1, reinterpret_cast<unsigned char*>(sink)));
+        EXPECT_FALSE(recording->read(recording->length() - 2, 2,
+                                     reinterpret_cast<unsigned char*>(sink)));
+        const std::string fault = file.reader->fault();
+        EXPECT_EQ(fault.rfind(file.path + ":", 0), 0u) << fault;
+    }
+}
+
 TEST(FileRefusals, OutputsThatCannotBeWritten)
 {
     const auto folder = test::testFolder();
