@@ -141,42 +141,31 @@ TEST(Property, GettersRequireTheirTypeWithExactTexts)
         {Property::SCALAR_VALUE, " is type Scalar", [](const Property& p) { p.getStringValue(); }},
     };
 
-    std::vector<Property> samples;
-    samples.emplace_back("none");
-    samples.emplace_back("s", "1");
-    samples.emplace_back("i", std::int32_t{1});
-    samples.emplace_back("u", std::uint32_t{1});
-    samples.emplace_back("b", true);
-    samples.emplace_back("e", std::string("1"), std::string("E"));
-    Property p("d");
-    p.setValue(1.0);
-    samples.push_back(p);
-    p.setValue(Range(0.0, 1.0, "V"));
-    samples.push_back(p);
-    p.setValue(Scalar(1.0, "V"));
-    samples.push_back(p);
-    p.setValue(Rational(1, 2));
-    samples.push_back(p);
-    p.setValue(DecoratedNumber(1.0, "a", "b"));
-    samples.push_back(p);
-    p.setPointValue({1.0, 2.0});
-    samples.push_back(p);
-    p.setDoubleList({{1.0}});
-    samples.push_back(p);
-    p.setStringList({{"1"}});
-    samples.push_back(p);
-    p.setPointList({{{1.0, 2.0}}});
-    samples.push_back(p);
-    p.setChannelIDList({{1}});
-    samples.push_back(p);
-    p.setValue(PropertyList());
-    samples.push_back(p);
+    const auto with = [](const std::function<void(Property&)>& set) {
+        Property p("d");
+        set(p);
+        return p;
+    };
+    std::vector<Property> samples = {
+        Property("none"), Property("s", "1"), Property("i", std::int32_t{1}), Property("u", std::uint32_t{1}),
+        Property("b", true), Property("e", std::string("1"), std::string("E")),
+        with([](Property& p) { p.setValue(1.0); }),
+        with([](Property& p) { p.setValue(Range(0.0, 1.0, "V")); }),
+        with([](Property& p) { p.setValue(Scalar(1.0, "V")); }),
+        with([](Property& p) { p.setValue(Rational(1, 2)); }),
+        with([](Property& p) { p.setValue(DecoratedNumber(1.0, "a", "b")); }),
+        with([](Property& p) { p.setPointValue({1.0, 2.0}); }),
+        with([](Property& p) { p.setDoubleList({{1.0}}); }),
+        with([](Property& p) { p.setStringList({{"1"}}); }),
+        with([](Property& p) { p.setPointList({{{1.0, 2.0}}}); }),
+        with([](Property& p) { p.setChannelIDList({{1}}); }),
+        with([](Property& p) { p.setValue(PropertyList()); }),
+    };
     for (const Property::Type text_type :
          {Property::UNSIGNED_INT64, Property::COLOR_VALUE, Property::DATE_VALUE,
           Property::DATE_TIME_VALUE, Property::CHANNEL_ID, Property::GEO_COORDINATE_VALUE,
           Property::SIGNED_VALUE64}) {
-        p.setTextValue(text_type, "1");
-        samples.push_back(p);
+        samples.push_back(with([text_type](Property& p) { p.setTextValue(text_type, "1"); }));
     }
 
     for (const auto& getter : getters) {
