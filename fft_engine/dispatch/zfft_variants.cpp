@@ -7,9 +7,6 @@ namespace ZFFT {
 ComplexFFT::ComplexFFT() = default;
 ComplexFFT::~ComplexFFT() = default;
 
-RealFFT::RealFFT() = default;
-RealFFT::~RealFFT() = default;
-
 const char* variant_name(Variant v)
 {
     switch (v) {
@@ -48,16 +45,7 @@ const char* algorithm_name(Algorithm a)
 
 bool variant_supported(Variant v)
 {
-    const cpu_features& f = get_cpu_features();
-    switch (v) {
-    case Variant::SSE2:
-        return f.has_sse2 && f.has_sse3;
-    case Variant::AVX:
-        return f.has_avx;
-    case Variant::AVX2:
-        return f.has_avx2 && f.has_fma;
-    }
-    return false;
+    return selector_supported(static_cast<unsigned>(v));
 }
 
 std::unique_ptr<ComplexFFT> create_complex_fft(Variant v, Algorithm a, int n)

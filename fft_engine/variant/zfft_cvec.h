@@ -10,6 +10,7 @@
 #include "zfft_variant.h"
 
 #include <immintrin.h>
+#include <type_traits>
 
 namespace ZFFT_VARIANT {
 namespace {
@@ -201,6 +202,127 @@ inline cvec4 mul_w8(cvec4 x) { return {mul_w8(x.lo), mul_w8(x.hi)}; }
 inline cvec4 mul_v8(cvec4 x) { return {mul_v8(x.lo), mul_v8(x.hi)}; }
 inline cvec4 mul(cvec4 w, cvec4 z) { return {mul(w.lo, z.lo), mul(w.hi, z.hi)}; }
 inline cvec4 scale(cvec4 x, double c) { return {scale(x.lo, c), scale(x.hi, c)}; }
+
+// -------------------------------------------------------- split twiddles ----
+
+// A twiddle held as the two operands that mul forms from it: its real part
+// and its imaginary part, each duplicated into both halves of every complex
+// lane. Made once where one twiddle serves many products, it saves mul two
+// shuffles per product; the product itself, and so every bit of it, is the
+// one of mul.
+template <class V>
+struct split_twiddle {
+    V re;
+    V im;
+};
+
+inline cvec1 dup_re(cvec1 w) { return {_mm_movedup_pd(w.v)}; }
+inline cvec1 dup_im(cvec1 w) { return {_mm_unpackhi_pd(w.v, w.v)}; }
+inline cvec1 splat1(double d) { return {_mm_set1_pd(d)}; }
+inline cvec1 negated(cvec1 a) { return {_mm_xor_pd(a.v, _mm_set1_pd(-0.0))}; }
+
+inline cvec1 mul(const split_twiddle<cvec1>& w, cvec1 z)
+{
+    const __m128d cross = _mm_mul_pd(w.im.v, _mm_shuffle_pd(z.v, z.v, 1));
+#if defined(ZFFT_VARIANT_AVX2)
+    return {_mm_fmaddsub_pd(w.re.v, z.v, cross)};
+#else
+    return {_mm_addsub_pd(_mm_mul_pd(w.re.v, z.v), cross)};
+#endif
+}
+
+// The split form of mul(a, b), b being split too: the same products, each
+// lane rounded as mul rounds it.
+inline split_twiddle<cvec1> times(const split_twiddle<cvec1>& a, const split_twiddle<cvec1>& b)
+{
+#if defined(ZFFT_VARIANT_AVX2)
+    return {{_mm_fmsub_pd(a.re.v, b.re.v, _mm_mul_pd(a.im.v, b.im.v))},
+            {_mm_fmadd_pd(a.re.v, b.im.v, _mm_mul_pd(a.im.v, b.re.v))}};
+#else
+    return {{_mm_sub_pd(_mm_mul_pd(a.re.v, b.re.v), _mm_mul_pd(a.im.v, b.im.v))},
+            {_mm_add_pd(_mm_mul_pd(a.re.v, b.im.v), _mm_mul_pd(a.im.v, b.re.v))}};
+#endif
+}
+
+#if ZFFT_VARIANT_WIDE
+inline cvec2 dup_re(cvec2 w) { return {_mm256_movedup_pd(w.v)}; }
+inline cvec2 dup_im(cvec2 w) { return {_mm256_permute_pd(w.v, 0xF)}; }
+inline cvec2 splat2(double d) { return {_mm256_set1_pd(d)}; }
+inline cvec2 negated(cvec2 a) { return {_mm256_xor_pd(a.v, _mm256_set1_pd(-0.0))}; }
+
+inline cvec2 mul(const split_twiddle<cvec2>& w, cvec2 z)
+{
+    const __m256d cross = _mm256_mul_pd(w.im.v, _mm256_permute_pd(z.v, 0x5));
+#if defined(ZFFT_VARIANT_AVX2)
+    return {_mm256_fmaddsub_pd(w.re.v, z.v, cross)};
+#else
+    return {_mm256_addsub_pd(_mm256_mul_pd(w.re.v, z.v), cross)};
+#endif
+}
+
+inline split_twiddle<cvec2> times(const split_twiddle<cvec2>& a, const split_twiddle<cvec2>& b)
+{
+#if defined(ZFFT_VARIANT_AVX2)
+    return {{_mm256_fmsub_pd(a.re.v, b.re.v, _mm256_mul_pd(a.im.v, b.im.v))},
+            {_mm256_fmadd_pd(a.re.v, b.im.v, _mm256_mul_pd(a.im.v, b.re.v))}};
+#else
+    return {{_mm256_sub_pd(_mm256_mul_pd(a.re.v, b.re.v), _mm256_mul_pd(a.im.v, b.im.v))},
+            {_mm256_add_pd(_mm256_mul_pd(a.re.v, b.im.v), _mm256_mul_pd(a.im.v, b.re.v))}};
+#endif
+}
+#else
+inline cvec2 dup_re(cvec2 w) { return {dup_re(w.a), dup_re(w.b)}; }
+inline cvec2 dup_im(cvec2 w) { return {dup_im(w.a), dup_im(w.b)}; }
+inline cvec2 splat2(double d) { return {splat1(d), splat1(d)}; }
+inline cvec2 negated(cvec2 x) { return {negated(x.a), negated(x.b)}; }
+
+inline cvec2 mul(const split_twiddle<cvec2>& w, cvec2 z)
+{
+    return {mul(split_twiddle<cvec1>{w.re.a, w.im.a}, z.a), mul(split_twiddle<cvec1>{w.re.b, w.im.b}, z.b)};
+}
+
+inline split_twiddle<cvec2> times(const split_twiddle<cvec2>& a, const split_twiddle<cvec2>& b)
+{
+    const split_twiddle<cvec1> lo = times(split_twiddle<cvec1>{a.re.a, a.im.a}, split_twiddle<cvec1>{b.re.a, b.im.a});
+    const split_twiddle<cvec1> hi = times(split_twiddle<cvec1>{a.re.b, a.im.b}, split_twiddle<cvec1>{b.re.b, b.im.b});
+    return {{lo.re, hi.re}, {lo.im, hi.im}};
+}
+#endif
+
+inline cvec4 negated(cvec4 x) { return {negated(x.lo), negated(x.hi)}; }
+
+inline cvec4 mul(const split_twiddle<cvec4>& w, cvec4 z)
+{
+    return {mul(split_twiddle<cvec2>{w.re.lo, w.im.lo}, z.lo), mul(split_twiddle<cvec2>{w.re.hi, w.im.hi}, z.hi)};
+}
+
+// Both operands of a twiddle v from its two halves, over every lane of V.
+template <class V>
+inline split_twiddle<V> split(V w)
+{
+    return {dup_re(w), dup_im(w)};
+}
+
+// The one twiddle c in every lane of V.
+template <class V>
+inline split_twiddle<V> split_broadcast(const complex_t& c)
+{
+    if constexpr (std::is_same_v<V, cvec1>) {
+        return {splat1(c.re), splat1(c.im)};
+    } else if constexpr (std::is_same_v<V, cvec2>) {
+        return {splat2(c.re), splat2(c.im)};
+    } else {
+        return {{splat2(c.re), splat2(c.re)}, {splat2(c.im), splat2(c.im)}};
+    }
+}
+
+// The conjugate: mul forms the same operands from conj(w) with the
+// imaginary part's sign flipped.
+template <class V>
+inline split_twiddle<V> conj(const split_twiddle<V>& w)
+{
+    return {w.re, negated(w.im)};
+}
 
 } // namespace
 } // namespace ZFFT_VARIANT

@@ -35,6 +35,9 @@ public:
     // over this way, so that a first pass that reads in directly saves it a
     // copy.
     virtual void forward_raw_from(const complex_t* in, complex_t* x, complex_t* y) = 0;
+
+    // The class's full name, "ZFFT_AVX2::ZFFT_AVXDIF8::FFT0" and so on.
+    virtual const char* name() const = 0;
 };
 
 } // namespace ZFFT_VARIANT

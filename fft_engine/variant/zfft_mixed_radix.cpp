@@ -1,6 +1,7 @@
 #include "zfft_mixed_radix.h"
 
 #include "zfft_butterflies.h"
+#include "zfft_plan.h"
 #include "zfft_work_share.h"
 
 #include <cmath>
@@ -11,10 +12,6 @@
 namespace ZFFT_VARIANT {
 namespace ZFFT_MixedRadix {
 namespace {
-
-// From this size on a transform runs in one parallel region, and the table
-// is filled by a parallel loop.
-constexpr long PARALLEL_FROM = 32768;
 
 template <Direction D>
 inline cvec1 table_entry(const complex_t* W, long index)

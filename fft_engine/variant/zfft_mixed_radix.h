@@ -28,6 +28,7 @@ public:
     void inverse_unitary(complex_t* x, complex_t* y) override;
     void inverse_norm(complex_t* x, complex_t* y) override;
     void forward_raw_from(const complex_t* in, complex_t* x, complex_t* y) override;
+    const char* name() const override { return ZFFT_VARIANT_NAME "::ZFFT_MixedRadix::FFT0"; }
 
     int size() const { return N; }
 

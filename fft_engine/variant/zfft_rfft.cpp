@@ -1,20 +1,16 @@
 #include "zfft_rfft.h"
 
 #include "zfft_cvec.h"
+#include "zfft_plan.h"
 #include "zfft_work_share.h"
 
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <typeinfo>
 
 namespace ZFFT_VARIANT {
 namespace {
 
-// From this real size on, the split and merge loops run in parallel.
-constexpr int PARALLEL_TRANSFORM_FROM = 32768;
-// From this real size on, the weight table is filled by a parallel loop.
-constexpr int PARALLEL_TABLE_FROM = 65536;
 
 inline cvec2 reversed(cvec2 v)
 {
@@ -169,7 +165,7 @@ void RFFT::fill_table(int log_n)
         T[4] = {0.5, 0.5};
         return;
     }
-#pragma omp parallel for schedule(static) if (N >= PARALLEL_TABLE_FROM)
+#pragma omp parallel for schedule(static) if (N >= REAL_PARALLEL_TABLE_FROM)
     for (long p = 0; p <= Ne; ++p) {
         const double s = std::sin(static_cast<double>(p) * theta0);
         const double c = std::cos(static_cast<double>(p) * theta0);
@@ -233,7 +229,7 @@ void RFFT::fill_table(int log_n)
             split_and_mirror<true>(y, table, Nh, Nq, k0, k1, r);
         }
     };
-    if (n >= PARALLEL_TRANSFORM_FROM) {
+    if (n >= REAL_PARALLEL_TRANSFORM_FROM) {
 #pragma omp parallel
         shared_loop(1, Nq + 1, split_range);
     } else {
@@ -277,7 +273,7 @@ void RFFT::run_inverse(complex_t* y, double* x, Scaling scaling) const
         });
     };
 
-    const bool parallel = n >= PARALLEL_TRANSFORM_FROM;
+    const bool parallel = n >= REAL_PARALLEL_TRANSFORM_FROM;
     if (parallel) {
 #pragma omp parallel
         merge_all();
@@ -344,14 +340,6 @@ ZFFT::RealFFT* make_real_fft(int n)
     auto fft = std::make_unique<RFFT>();
     fft->setup(n);
     return fft.release();
-}
-
-const char* planned_class_name(int n)
-{
-    FFTHandle handle;
-    handle.setup(n);
-    const FFT_IF* fft = handle.get();
-    return fft ? typeid(*fft).name() : nullptr;
 }
 
 } // namespace ZFFT_VARIANT

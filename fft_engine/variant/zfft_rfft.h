@@ -41,8 +41,4 @@ private:
 // Only the base pointer leaves the variant; on an exception nothing is left.
 ZFFT::RealFFT* make_real_fft(int n);
 
-// The mangled type name of the complex class that the plan makes for n
-// points, or null when it makes none. Lets tests see the real object.
-const char* planned_class_name(int n);
-
 } // namespace ZFFT_VARIANT

@@ -2,6 +2,7 @@
 
 #include "zfft_avxdif8.h"
 #include "zfft_butterflies.h"
+#include "zfft_plan.h"
 #include "zfft_twiddles.h"
 #include "zfft_work_share.h"
 
@@ -12,14 +13,6 @@ namespace ZFFT_VARIANT {
 namespace ZFFT_SixStep {
 namespace {
 
-// Sizes that run in parallel: even log_N from 14, odd log_N from 13.
-constexpr int EVEN_PARALLEL_FROM = 14;
-constexpr int ODD_PARALLEL_FROM = 13;
-// From this odd log_N on, the eight sub-transforms run one after another
-// on the calling thread, between two parallel regions.
-constexpr int ODD_BLOCKS_ON_CALLER_FROM = 19;
-// Tables at least this long are filled by a parallel loop.
-constexpr long PARALLEL_FILL_FROM = 16384;
 constexpr int DIRECT_LOG_N_MAX = 5;
 
 // What the five passes over an n by n matrix read.

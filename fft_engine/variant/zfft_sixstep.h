@@ -34,6 +34,7 @@ public:
     void inverse_unitary(complex_t* x, complex_t* y) override;
     void inverse_norm(complex_t* x, complex_t* y) override;
     void forward_raw_from(const complex_t* in, complex_t* x, complex_t* y) override;
+    const char* name() const override { return ZFFT_VARIANT_NAME "::ZFFT_SixStep::FFT0"; }
 
 private:
     enum class Scaling { none, by_n, by_sqrt_n };

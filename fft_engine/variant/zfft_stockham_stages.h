@@ -36,49 +36,50 @@ enum class Form { single, parallel };
 // ------------------------------------------------------------- twiddles ----
 
 // The twiddles w_1 .. w_{r-1} of angle index s p, the same for all q and
-// broadcast over the lanes of V.
+// broadcast over the lanes of V, in split form: they serve every group of q.
 template <int R, int N, int s, Direction D, Form F, class V>
-[[gnu::always_inline]] inline void broadcast_twiddles(const complex_t* W, int p, V (&w)[R])
+[[gnu::always_inline]] inline void broadcast_twiddles(const complex_t* W, int p, split_twiddle<V> (&w)[R])
 {
     if constexpr (F == Form::single) {
         const complex_t* powers = W + N + s * p * R;
         #pragma GCC unroll 16
         for (int k = 1; k < R; ++k) {
-            w[k] = twiddle<D>(V::broadcast(powers[k]));
+            w[k] = twiddle<D>(split_broadcast<V>(powers[k]));
         }
     } else {
         const complex_t& first = W[s * p];
         const cvec1 w1 = cvec1::load(&first);
         cvec1 wk = w1;
-        w[1] = twiddle<D>(V::broadcast(first));
+        w[1] = twiddle<D>(split_broadcast<V>(first));
         #pragma GCC unroll 16
         for (int k = 2; k < R; ++k) {
             wk = mul(w1, wk);
             complex_t c;
             wk.store(&c);
-            w[k] = twiddle<D>(V::broadcast(c));
+            w[k] = twiddle<D>(split_broadcast<V>(c));
         }
     }
 }
 
 // The twiddles of the stride-1 stage for the two neighbouring angle indices
 // p and p + 1, one in each lane.
+// The powers are formed in split form, which rounds each lane as mul does.
 template <int R, int N, Direction D, Form F>
-[[gnu::always_inline]] inline void pair_twiddles(const complex_t* W, int p, cvec2 (&w)[R])
+[[gnu::always_inline]] inline void pair_twiddles(const complex_t* W, int p, split_twiddle<cvec2> (&w)[R])
 {
     constexpr int m = N / R;
     if constexpr (F == Form::single) {
         #pragma GCC unroll 16
         for (int k = 1; k < R; ++k) {
-            w[k] = twiddle<D>(cvec2::load(W + (k - 1) * m + p));
+            w[k] = twiddle<D>(split(cvec2::load(W + (k - 1) * m + p)));
         }
     } else {
-        const cvec2 w1 = cvec2::load(W + p);
+        const split_twiddle<cvec2> w1 = split(cvec2::load(W + p));
         w[1] = twiddle<D>(w1);
-        cvec2 wk = w1;
+        split_twiddle<cvec2> wk = w1;
         #pragma GCC unroll 16
         for (int k = 2; k < R; ++k) {
-            wk = mul(w1, wk);
+            wk = times(w1, wk);
             w[k] = twiddle<D>(wk);
         }
     }
@@ -95,7 +96,8 @@ template <int R, int n, Direction D, Form F>
     constexpr int m = n / R;
     const complex_t* source = in + p;
     complex_t* target = out + std::ptrdiff_t{R} * p;
-    cvec2 a[R], b[R], w[R];
+    cvec2 a[R], b[R];
+    split_twiddle<cvec2> w[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         a[k] = cvec2::load(source + k * m);
@@ -120,7 +122,8 @@ template <int R, int n, Direction D, Form F>
     constexpr int m = n / R;
     const complex_t* source = in + std::ptrdiff_t{R} * p;
     complex_t* target = out + p;
-    cvec2 a[R], b[R], w[R];
+    cvec2 a[R], b[R];
+    split_twiddle<cvec2> w[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; k += 2) {
         const cvec2 first = cvec2::load(source + k);
@@ -142,7 +145,8 @@ template <int R, int n, Direction D, Form F>
 
 // Decimation in frequency at stride s >= 4: a group of neighbouring q.
 template <int R, int n, int s, Direction D, class V>
-[[gnu::always_inline]] inline void dif_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
+[[gnu::always_inline]] inline void dif_group(const complex_t* in, complex_t* out, const split_twiddle<V> (&w)[R], int p,
+                                              int q)
 {
     constexpr int m = n / R;
     const complex_t* source = in + q + std::ptrdiff_t{s} * p;
@@ -161,7 +165,8 @@ template <int R, int n, int s, Direction D, class V>
 }
 
 template <int R, int n, int s, Direction D, class V>
-[[gnu::always_inline]] inline void dit_group(const complex_t* in, complex_t* out, const V (&w)[R], int p, int q)
+[[gnu::always_inline]] inline void dit_group(const complex_t* in, complex_t* out, const split_twiddle<V> (&w)[R], int p,
+                                              int q)
 {
     constexpr int m = n / R;
     const complex_t* source = in + q + std::ptrdiff_t{s} * R * p;
@@ -219,7 +224,7 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
         using V = strided_vector<R>;
         constexpr int width = strided_width<R>;
         constexpr int groups_per_p = s / width;
-        const auto body = [=](const V (&w)[R], int p, int q) __attribute__((always_inline)) {
+        const auto body = [=](const split_twiddle<V> (&w)[R], int p, int q) __attribute__((always_inline)) {
             if constexpr (L == Flow::dif) {
                 dif_group<R, n, s, D>(in, out, w, p, q);
             } else {
@@ -228,7 +233,7 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
         };
         if constexpr (F == Form::single) {
             for (int p = 0; p < m; ++p) {
-                V w[R];
+                split_twiddle<V> w[R];
                 broadcast_twiddles<R, N, s, D, F>(W, p, w);
                 for (int q = 0; q < s; q += width) {
                     body(w, p, q);
@@ -238,7 +243,7 @@ template <int R, Flow L, Direction D, Form F, int n, int s>
             // One index per group of q; p and q follow from it by shifts,
             // since groups_per_p is a power of two. A thread's share of
             // indices is contiguous, so its twiddles change only with p.
-            V w[R]{};
+            split_twiddle<V> w[R]{};
             int twiddles_of = -1;
 #pragma omp for schedule(static)
             for (int g = 0; g < m * groups_per_p; ++g) {

@@ -1,14 +1,12 @@
 #include "zfft_twiddles.h"
 
 #include "zfft_cvec.h"
+#include "zfft_plan.h"
 
 #include <cmath>
 
 namespace ZFFT_VARIANT {
 namespace {
-
-// From this size on a table is filled by all threads of the runtime.
-constexpr int PARALLEL_FILL_FROM = 32768;
 
 complex_t unit(double angle)
 {
@@ -20,7 +18,7 @@ complex_t unit(double angle)
 template <class Body>
 void fill(int N, int count, const Body& body)
 {
-    if (N >= PARALLEL_FILL_FROM) {
+    if (N >= TWIDDLE_PARALLEL_FILL_FROM) {
 #pragma omp parallel for schedule(static)
         for (int p = 0; p < count; ++p) {
             body(p);

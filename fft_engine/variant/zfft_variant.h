@@ -19,18 +19,21 @@
 #error "the AVX2 variant must be compiled with -mavx2 -mfma"
 #endif
 #define ZFFT_VARIANT ZFFT_AVX2
+#define ZFFT_VARIANT_NAME "ZFFT_AVX2"
 #define ZFFT_VARIANT_WIDE 1
 #elif defined(ZFFT_VARIANT_AVX)
 #if !defined(__AVX__) || defined(__AVX2__)
 #error "the AVX variant must be compiled with -mavx and without -mavx2"
 #endif
 #define ZFFT_VARIANT ZFFT_AVX
+#define ZFFT_VARIANT_NAME "ZFFT_AVX"
 #define ZFFT_VARIANT_WIDE 1
 #elif defined(ZFFT_VARIANT_SSE2)
 #if !defined(__SSE3__) || defined(__AVX__)
 #error "the SSE2 variant must be compiled with -msse3 and without -mavx"
 #endif
 #define ZFFT_VARIANT ZFFT_SSE2
+#define ZFFT_VARIANT_NAME "ZFFT_SSE2"
 #define ZFFT_VARIANT_WIDE 0
 #else
 #error "compile the engine's variant sources with one ZFFT_VARIANT_* macro"

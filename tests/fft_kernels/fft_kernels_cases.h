@@ -12,18 +12,15 @@ namespace fft_test {
 struct ClassCase {
     ZFFT::Variant variant;
     ZFFT::Algorithm algorithm;
-    int threshold; // from this size on the class runs parallel
 };
 
 inline std::vector<ClassCase> stockham_cases()
 {
-    const std::pair<ZFFT::Algorithm, int> classes[] = {
-        {ZFFT::Algorithm::DIF4, 8192}, {ZFFT::Algorithm::DIT4, 8192}, {ZFFT::Algorithm::DIF8, 2048},
-        {ZFFT::Algorithm::DIT8, 8192}, {ZFFT::Algorithm::DIF16, 4096}};
     std::vector<ClassCase> cases;
     for (auto v : {ZFFT::Variant::AVX2, ZFFT::Variant::AVX, ZFFT::Variant::SSE2}) {
-        for (const auto& [a, t] : classes) {
-            cases.push_back({v, a, t});
+        for (auto a : {ZFFT::Algorithm::DIF4, ZFFT::Algorithm::DIT4, ZFFT::Algorithm::DIF8, ZFFT::Algorithm::DIT8,
+                       ZFFT::Algorithm::DIF16}) {
+            cases.push_back({v, a});
         }
     }
     return cases;

@@ -55,6 +55,12 @@ protected:
     RealFFT();
 };
 
+// True when this processor can run the variant that `selector` asks for:
+// 1 SSE2, 2 AVX, 3 AVX2, and 0 any of them. The one rule of what runs here:
+// create_real_fft follows it, and so do the tests. AVX2 is taken to bring
+// FMA along, and SSE2 to bring SSE3's add-subtract.
+bool selector_supported(unsigned selector);
+
 // Releases what create_real_fft made.
 void destroy_real_fft(RealFFT* p);
 

@@ -26,7 +26,8 @@ enum class Algorithm {
 const char* variant_name(Variant v);     // "SSE2", "AVX", "AVX2"
 const char* algorithm_name(Algorithm a); // "DIF4", ... "Planned"
 
-// True when this processor can run the variant's code.
+// True when this processor can run the variant's code: selector_supported
+// of the variant's selector.
 bool variant_supported(Variant v);
 
 // A complex transform of one class of one variant: the eight operations of
@@ -56,7 +57,7 @@ protected:
 // an n that is not a power of two, or above 2^24).
 std::unique_ptr<ComplexFFT> create_complex_fft(Variant v, Algorithm a, int n);
 
-// The demangled name of the class that FFTHandle's plan makes for n complex
+// The full name of the class that FFTHandle's plan makes for n complex
 // points in variant `v` (for instance "ZFFT_AVX::ZFFT_MixedRadix::FFT0"), or
 // an empty text when it makes none or the variant is not supported.
 std::string planned_class_name(Variant v, int n);
