@@ -105,6 +105,7 @@ std::string plotScript(const PlotRequest& request)
         files.insert(one.file);
     }
     bool any_value = false;
+    std::vector<bool> has_value(request.series.size(), false);
     double first_time = 0.0;
     double last_time = 0.0;
     bool any_time = false;
@@ -130,6 +131,7 @@ std::string plotScript(const PlotRequest& request)
             script << numberText(time) << ' ' << numberText(point.value) << '\n';
             after_break = false;
             any_value = true;
+            has_value[s] = true;
         }
         script << "EOD\n";
     }
@@ -151,7 +153,14 @@ std::string plotScript(const PlotRequest& request)
     for (std::size_t s = 0; s < request.series.size(); ++s) {
         const FrequencySeries& one = request.series[s];
         const std::string name = files.size() > 1 ? one.file + ": " + one.channel : one.channel;
-        script << (s == 0 ? " " : ", \\\n     ") << "$series" << s
+        script << (s == 0 ? " " : ", \\\n     ");
+        if (!has_value[s]) {
+            // gnuplot leaves a series without points out of the key; a person
+            // looking for the input should see that it gave no frequency.
+            script << "NaN with lines title " << quoted(name + " (no frequency)");
+            continue;
+        }
+        script << "$series" << s
                << " using 1:2 with linespoints pointtype 7 pointsize 0.4 title " << quoted(name);
     }
     script << '\n';

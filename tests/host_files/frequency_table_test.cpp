@@ -126,6 +126,7 @@ TEST(FrequencyPlot, NanBreaksTheLineAndGnuplotDrawsTheFile)
     request.path = (folder / "plot.png").string();
     const std::string script = plotScript(request);
     EXPECT_NE(script.find("0.2 101\n\n0.5 103\n"), std::string::npos) << script;
+    EXPECT_NE(script.find("'empty (no frequency)'"), std::string::npos) << script;
 
     if (std::system("command -v gnuplot > /dev/null 2>&1") == 0) {
         for (const char* name : {"plot.png", "plot.SVG"}) {
