@@ -151,6 +151,9 @@ void checkSettings(CheckContext& context)
     std::size_t numeric = 0;
     for (const HostProperty& setting : channel->properties) {
         std::vector<double> numbers = trialNumbers(numberOf(setting.value).value_or(0.0), setting.constraints);
+        if (const auto limits = rangeOf(setting.constraints)) {
+            numbers.push_back(limits->first + (limits->second - limits->first) / 2.0);
+        }
         numbers.push_back(std::numeric_limits<double>::quiet_NaN());
         for (const double number : numbers) {
             const auto edited = withNumber(setting.value, number);

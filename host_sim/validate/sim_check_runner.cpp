@@ -62,6 +62,7 @@ struct ChildOutput {
     std::string partial;
     std::string verdict;
     bool has_verdict = false;
+    std::string sanitizer_report;
 
     void take(const char* data, std::size_t size)
     {
@@ -70,6 +71,17 @@ struct ChildOutput {
         while ((end = partial.find('\n')) != std::string::npos) {
             std::string line = partial.substr(0, end);
             partial.erase(0, end + 1);
+            if (sanitizer_report.empty()) {
+                // A sanitizer catches the fault before the signal does and
+                // ends the process itself; its first line names the fault.
+                for (const char* marker : {"ERROR: AddressSanitizer: ", "runtime error: "}) {
+                    const std::size_t at = line.find(marker);
+                    if (at != std::string::npos) {
+                        sanitizer_report = line.substr(at);
+                        break;
+                    }
+                }
+            }
             if (line.rfind(VERDICT_PREFIX, 0) == 0) {
                 verdict = line.substr(std::strlen(VERDICT_PREFIX));
                 has_verdict = true;
@@ -165,6 +177,8 @@ CheckResult runIsolated(const Check& check, const std::string& plugin_path, std:
         result.reason = "no answer within " + limit.str() + " s (the plug-in hangs), stopped";
     } else if (WIFSIGNALED(status)) {
         result.reason = "the plug-in's process died of " + signalText(WTERMSIG(status));
+    } else if (output.has_verdict && output.verdict == "pass" && !output.sanitizer_report.empty()) {
+        result.reason = "the check passed, but the sanitizer reported " + output.sanitizer_report;
     } else if (output.has_verdict && output.verdict == "pass") {
         result.verdict = Verdict::pass;
     } else if (output.has_verdict && output.verdict.rfind("skip ", 0) == 0) {
@@ -172,6 +186,8 @@ CheckResult runIsolated(const Check& check, const std::string& plugin_path, std:
         result.reason = output.verdict.substr(5);
     } else if (output.has_verdict && output.verdict.rfind("fail ", 0) == 0) {
         result.reason = output.verdict.substr(5);
+    } else if (!output.sanitizer_report.empty()) {
+        result.reason = "the plug-in's process died of " + output.sanitizer_report;
     } else if (WIFEXITED(status)) {
         result.reason = "the process exited with status " + std::to_string(WEXITSTATUS(status)) +
                         " before the check ended";

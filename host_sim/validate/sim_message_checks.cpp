@@ -3,12 +3,12 @@
 // malformed and oversized telegrams, keys and ids nobody knows. The plug-in
 // must answer each with a code, crash on none, and give back every value.
 #include "plugin_loader.h"
+#include "sim_channel_bench.h"
 #include "sim_validate_checks.h"
 #include "sim_values.h"
 #include "zlrbase_messages.h"
 
 #include <functional>
-#include <set>
 
 namespace zelvar_sim::validate {
 namespace {
@@ -41,9 +41,6 @@ const ReceivedMessage RECEIVED_MESSAGES[] = {
     {zlr::PLUGIN_CONFIG_CLEAR, "PLUGIN_CONFIG_CLEAR"},
 };
 
-const std::set<std::uint64_t> KNOWN_ANSWERS = {
-    zlr::RESULT_OK,        zlr::RESULT_BAD_ARGUMENT,         zlr::RESULT_FAILED,
-    zlr::RESULT_EXCEPTION, zlr::RESULT_HOST_VERSION_REFUSED, zlr::RESULT_NOT_HANDLED};
 
 std::string oversizedTelegram()
 {
@@ -64,6 +61,7 @@ std::string oversizedTelegram()
 struct HostileValue {
     std::string what;
     std::function<zlr::IfValue*(SimHost&)> make; // null: no value at all
+    bool tried_with_every_key = false;
 };
 
 std::vector<HostileValue> hostileValues()
@@ -74,7 +72,7 @@ std::vector<HostileValue> hostileValues()
         };
     };
     return {
-        {"no value", [](SimHost&) -> zlr::IfValue* { return nullptr; }},
+        {"no value", [](SimHost&) -> zlr::IfValue* { return nullptr; }, true},
         {"a string value", [](SimHost& host) -> zlr::IfValue* {
              return new StringValue(host.ledger(), "<Channels/>");
          }},
@@ -87,7 +85,8 @@ std::vector<HostileValue> hostileValues()
         {"an unknown root element", xml("<NoSuchTelegram version=\"1\"/>")},
         {"unknown ids and keys",
          xml("<UpdateConfig><Channel channel_id=\"4294967295\"><Property name=\"NoSuchKey\" "
-             "type=\"double\" value=\"nan\"/></Channel></UpdateConfig>")},
+             "type=\"double\" value=\"nan\"/></Channel></UpdateConfig>"),
+         true},
         {"numbers that are no numbers",
          xml("<Channels><Channel channel_id=\"-1e999\" valid=\"maybe\"/></Channels>")},
         {"an oversized telegram", xml(oversizedTelegram())},
@@ -99,39 +98,45 @@ std::vector<std::uint64_t> hostileKeys(CheckContext& context)
     return {0, 1, 0x7FFFFFFF, 0x80000000, ~0ull, context.random()()};
 }
 
+// Sends every message with every hostile value; the unknown keys go with
+// the values that reach the lookup of a key, every other value has key 0.
+void sendHostileMessages(CheckContext& context, PluginSession& session, SimHost& host,
+                         const std::vector<std::uint64_t>& keys)
+{
+    const std::vector<HostileValue> values = hostileValues();
+    for (const ReceivedMessage& message : RECEIVED_MESSAGES) {
+        for (const HostileValue& hostile : values) {
+            const std::vector<std::uint64_t> tried =
+                hostile.tried_with_every_key ? keys : std::vector<std::uint64_t>{0};
+            for (const std::uint64_t key : tried) {
+                context.trace(std::string(message.name) + " with " + hostile.what + ", key " +
+                              std::to_string(key));
+                zlr::IfValue* value = hostile.make(host);
+                zlr::IfValue* result = nullptr;
+                const std::uint64_t answer = session.send(message.id, key, value, &result);
+                if (result) {
+                    result->release();
+                }
+                if (value) {
+                    value->release();
+                }
+                CheckContext::require(isResultCode(answer),
+                                      std::string(message.name) + " with " + hostile.what +
+                                          " answers " + std::to_string(answer) +
+                                          ", which is no result code of the contract");
+            }
+        }
+    }
+}
+
 void checkHostileMessages(CheckContext& context)
 {
     PluginLibrary library(context.pluginPath());
-    const std::vector<HostileValue> values = hostileValues();
-    const std::vector<std::uint64_t> keys = hostileKeys(context);
     SimHost host;
     host.setIdentity("Zelvar", library.manifestInfo().minimum_host_version);
     {
         PluginSession session(library, host);
-        for (const ReceivedMessage& message : RECEIVED_MESSAGES) {
-            for (const HostileValue& hostile : values) {
-                // Unknown keys with the two values that reach the lookup of a
-                // key; every other value once, with key 0.
-                const bool key_matters = &hostile == &values.front() || &hostile == &values[7];
-                for (const std::uint64_t key : key_matters ? keys : std::vector<std::uint64_t>{0}) {
-                    context.trace(std::string(message.name) + " with " + hostile.what + ", key " +
-                                  std::to_string(key));
-                    zlr::IfValue* value = hostile.make(host);
-                    zlr::IfValue* result = nullptr;
-                    const std::uint64_t answer = session.send(message.id, key, value, &result);
-                    if (result) {
-                        result->release();
-                    }
-                    if (value) {
-                        value->release();
-                    }
-                    CheckContext::require(KNOWN_ANSWERS.count(answer) == 1,
-                                          std::string(message.name) + " with " + hostile.what +
-                                              " answers " + std::to_string(answer) +
-                                              ", which is no result code of the contract");
-                }
-            }
-        }
+        sendHostileMessages(context, session, host, hostileKeys(context));
         context.trace("PLUGIN_FINISH after the hostile messages");
         session.finish();
     }
@@ -139,6 +144,23 @@ void checkHostileMessages(CheckContext& context)
                           std::to_string(host.valuesOutsideTree()) +
                               " host value objects still alive after the plug-in was deleted "
                               "(a reference kept or never released)");
+}
+
+// The same with a channel and its task alive, so that the keys of a real
+// task and channel meet the hostile values.
+void checkHostileMessagesToChannel(CheckContext& context)
+{
+    PluginLibrary library(context.pluginPath());
+    ChannelBench bench(library, context.seed());
+    const std::uint32_t root = bench.createChannel();
+    std::vector<std::uint64_t> keys = {root, 0, ~0ull};
+    for (const RegisteredTask& task : bench.acquisition().tasks().tasks()) {
+        keys.push_back(task.key);
+    }
+    bench.model().detach();
+    sendHostileMessages(context, bench.session(), bench.host(), keys);
+    context.trace("PLUGIN_FINISH after the hostile messages");
+    bench.finish();
 }
 
 } // namespace
@@ -150,6 +172,9 @@ std::vector<Check> messageChecks()
          "every message with no value, wrong types, empty, malformed and oversized telegrams and "
          "unknown keys: an answer code each, no crash, every value given back",
          checkHostileMessages},
+        {"hostile-messages-to-channel", 2,
+         "the same with a channel and its task alive, their keys among the unknown ones",
+         checkHostileMessagesToChannel},
     };
 }
 
