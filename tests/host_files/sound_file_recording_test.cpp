@@ -1,6 +1,7 @@
 // Sound files that libsndfile writes here come back through the recordings
 // sample for sample, in the file's own type, whichever channel is read first
 // and in whatever pieces.
+#include "sim_double_recording.h"
 #include "sim_sound_file_recording.h"
 #include "test_files.h"
 
@@ -63,6 +64,14 @@ void checkRoundTrip(const SoundCase& row, const std::filesystem::path& path)
                                            static_cast<std::size_t>(c)])
                 << row.label << " channel " << c << " sample " << i;
         }
+    }
+    // As doubles for readers that take nothing else: the same values.
+    const auto as_doubles = asDoubles(file.inputs[0].recording);
+    EXPECT_EQ(as_doubles->encoding(), SampleEncoding::float64);
+    const std::vector<double> widened = test::readAll<double>(*as_doubles, {999});
+    for (std::size_t i = 0; i < frames; ++i) {
+        ASSERT_EQ(widened[i], static_cast<double>(written[i * static_cast<std::size_t>(row.channels)]))
+            << row.label << " as double, sample " << i;
     }
     EXPECT_EQ(file.reader->fault(), "");
 }
