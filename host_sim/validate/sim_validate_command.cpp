@@ -31,7 +31,11 @@ int runValidate(std::ostream& out, const ValidateRequest& request)
     if (!request.only.empty()) {
         std::erase_if(checks, [&](const Check& check) { return check.name != request.only; });
         if (checks.empty()) {
-            out << "validate: no check is named \"" << request.only << "\"\n";
+            out << "validate: no check is named \"" << request.only << "\"; the checks:";
+            for (const Check& check : allChecks()) {
+                out << " " << check.name;
+            }
+            out << "\n";
             return 2;
         }
     }
@@ -40,6 +44,10 @@ int runValidate(std::ostream& out, const ValidateRequest& request)
     unsigned skipped = 0;
     for (unsigned round = 0; round < std::max(1u, request.repeat); ++round) {
         const std::uint64_t seed = first_seed + round;
+        if (request.repeat > 1) {
+            out << "validate: round " << round + 1 << " of " << request.repeat << ", seed " << seed
+                << "\n";
+        }
         for (const Check& check : checks) {
             if (check.strictness > request.strictness) {
                 out << "SKIP " << check.name << ": runs from strictness " << check.strictness
