@@ -1,6 +1,7 @@
 // The four functions that the host finds in the library, and nothing else.
 #include "frequency_measurement_plugin.h"
 #include "frequency_measurement_resources.h"
+#include "frequency_runtime_pin.h"
 
 #include <cstdint>
 
@@ -18,6 +19,7 @@ ZV_EXPORT std::intptr_t zvCreatePlugin(const zlr::PluginInterfaceId* id, zlr::If
     if (out == nullptr) {
         return 1;
     }
+    pinOpenMpRuntime();
     *out = new FrequencyMeasurementPlugin();
     return 1;
 }
