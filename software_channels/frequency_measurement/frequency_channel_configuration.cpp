@@ -245,8 +245,5 @@ bool FrequencyMeasurementInstance::restoreInstance(
 {
     restoreChannels(channels, channel_map);
     restoreProperties(channels, channel_map);
-    // The saved limits are the person's, fitted when the channel was first
-    // configured; the first update after a restore must not replace them.
-    m_first_configuration = false;
     return true;
 }

@@ -3,22 +3,7 @@
 #include "frequency_measurement_resources.h"
 #include "zlrapi_utils.h"
 #include "zlrbase_messages.h"
-#include "zlrfw_host_version.h"
 
-#include <exception>
-
-std::uint64_t FrequencyMeasurementPlugin::init(std::string& error_text)
-{
-    try {
-        zlr::framework::checkHostVersion(m_host);
-    } catch (const std::exception&) {
-        // A version text that holds no number cannot be compared: the host
-        // gets the answer of an unsupported version, and nothing escapes.
-        error_text = "Current version of Zelvar is not supported.";
-        return zlr::RESULT_HOST_VERSION_REFUSED;
-    }
-    return SoftwareChannelPluginBase::init(error_text);
-}
 
 void FrequencyMeasurementPlugin::registerTranslations()
 {

@@ -13,8 +13,6 @@
 class FrequencyMeasurementPlugin
     : public zlr::framework::SoftwareChannelPlugin<FrequencyMeasurementInstance> {
 public:
-    // A host version that is no number is refused like an old one.
-    std::uint64_t init(std::string& error_text) override;
     // The English catalogue, then the German one.
     void registerTranslations() override;
     zlr::RegisterSoftwareChannelTelegram getSoftwareChannelInfo() override;

@@ -581,7 +581,7 @@ TEST(SoftwareChannelPluginTest, LifeOfOneInstance)
     EXPECT_EQ(host.valuesOutsideTree(), 0);
 }
 
-TEST(SoftwareChannelPluginTest, AnOldHostIsRefusedAndAnEscapedExceptionIsLogged)
+TEST(SoftwareChannelPluginTest, AHostOfAnOldOrUnreadableVersionIsRefused)
 {
     test::LogCapture log(6);
     zelvar_sim::SimHost host;
@@ -593,8 +593,8 @@ TEST(SoftwareChannelPluginTest, AnOldHostIsRefusedAndAnEscapedExceptionIsLogged)
     const Case cases[] = {
         {"5.5.9", RESULT_HOST_VERSION_REFUSED, ""},
         {"6", RESULT_OK, ""},
-        {"5.x", RESULT_EXCEPTION, "Unhandled exception during 'pluginMessage " +
-                                      std::to_string(PLUGIN_INIT) + "' : invalid stol argument"},
+        {"5.x", RESULT_HOST_VERSION_REFUSED, ""},
+        {"99999999999999999999", RESULT_HOST_VERSION_REFUSED, ""},
     };
     for (const Case& c : cases) {
         log.clear();

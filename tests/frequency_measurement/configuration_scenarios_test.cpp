@@ -155,8 +155,11 @@ TEST_F(ConfigurationScenario, RestoreUnderNewInputIdsKeepsTheChannel)
     EXPECT_EQ(shown(new_root, INPUTS)->getChannelIDListValue(), (std::vector<std::uint64_t>{7, 8}));
     EXPECT_EQ(shownScalar(new_root, OVERLAP), 75.0);
     EXPECT_EQ(shownScalar(new_root, LENGTH), 0.1);
-    EXPECT_EQ(shownScalar(new_root, MIN_FREQUENCY), min_before);
-    EXPECT_EQ(shownScalar(new_root, MAX_FREQUENCY), 3000.0);
+    // A restored channel is configured anew: its first usable input sets the
+    // frequency limits again, from the restored window length and its rate.
+    EXPECT_NE(shownScalar(new_root, MIN_FREQUENCY), min_before);
+    EXPECT_EQ(shownScalar(new_root, MIN_FREQUENCY), 5.0 / 0.1);
+    EXPECT_EQ(shownScalar(new_root, MAX_FREQUENCY), 10000.0 * 0.5);
     EXPECT_EQ(status(new_root), "");
     ASSERT_TRUE(shown(new_root, "Elsewhere/Note"));
     EXPECT_EQ(shown(new_root, "Elsewhere/Note")->getStringValue(), "kept as it was");

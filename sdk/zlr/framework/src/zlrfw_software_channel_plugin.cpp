@@ -7,6 +7,7 @@
 #include "zlrfw_host_version.h"
 #include "zlrfw_value_text.h"
 
+#include <exception>
 #include <set>
 
 namespace zlr::framework {
@@ -21,9 +22,25 @@ SoftwareChannelPluginBase::SoftwareChannelPluginBase()
 
 SoftwareChannelPluginBase::~SoftwareChannelPluginBase() = default;
 
+namespace {
+
+// A version text that holds no number cannot be compared; init must not let
+// the conversion's exception reach the host, so such a host is refused like
+// any version it does not support.
+bool hostVersionSupported(IfHost* host)
+{
+    try {
+        return checkHostVersion(host);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+} // namespace
+
 std::uint64_t SoftwareChannelPluginBase::init(std::string& error_text)
 {
-    if (!checkHostVersion(m_host)) {
+    if (!hostVersionSupported(m_host)) {
         error_text = "Current version of Zelvar is not supported.";
         return RESULT_HOST_VERSION_REFUSED;
     }
