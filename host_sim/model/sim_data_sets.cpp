@@ -2,6 +2,7 @@
 
 #include "sim_data_set_readers.h"
 #include "sim_data_set_writers.h"
+#include "sim_double_recording.h"
 #include "sim_record_layout.h"
 #include "zlrbase_messages.h"
 #include "zlrfw_sample_position.h"
@@ -223,7 +224,9 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                 if (!channel) {
                     continue;
                 }
-                const Recording& recording = *channel->recording;
+                // Delivered as the layout says: doubles, value for value.
+                const std::shared_ptr<const Recording> delivered = asDoubles(channel->recording);
+                const Recording& recording = *delivered;
                 SampleSpan window = samplesOf(*channel, grid.boundary(k), grid.boundary(k + 1));
                 window.end = std::min(window.end, recording.length());
                 std::vector<SampleSpan> pieces = clipSpans(recording.dataSpans(), window);

@@ -50,18 +50,17 @@ zlr::DataFormat dataFormatOf(const InputChannelSetup& setup, SampleEncoding enco
 
 zlr::ChannelDescriptor layoutOf(const InputChannelEntry& channel)
 {
-    const SampleEncoding encoding = channel.recording->encoding();
-    // The descriptors' types know double and 16-bit integers; the others go
-    // as raw values of their width.
-    zlr::SampleType type = zlr::SAMPLE_TYPE_RAW;
-    if (encoding == SampleEncoding::float64) {
-        type = zlr::SAMPLE_TYPE_DOUBLE;
-    } else if (encoding == SampleEncoding::int16) {
-        type = zlr::SAMPLE_TYPE_16BIT_SINT;
-    }
-    return recordLayout(channel.setup.id, type,
-                        static_cast<std::uint32_t>(sampleBytes(encoding) * 8),
-                        channel.setup.shape);
+    // Plug-ins start their streams and ask for their windows as scaled data,
+    // and scaled data are doubles: value times factor plus offset. The
+    // host's channels are not scaled (factor 1, offset 0), so each value is
+    // its recording's own, converted exactly, whatever type the recording
+    // stores.
+    zlr::ChannelDescriptor layout = recordLayout(
+        channel.setup.id, zlr::SAMPLE_TYPE_DOUBLE,
+        static_cast<std::uint32_t>(sampleBytes(SampleEncoding::float64) * 8), channel.setup.shape);
+    layout.m_scale_factor = 1.0;
+    layout.m_scale_offset = 0.0;
+    return layout;
 }
 
 InputChannels::InputChannels(SimHost& host) : m_host(host)

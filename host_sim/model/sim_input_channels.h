@@ -38,7 +38,8 @@ struct InputChannelEntry {
 // The DataFormat the tree gives for a channel of this setup and encoding.
 zlr::DataFormat dataFormatOf(const InputChannelSetup& setup, SampleEncoding encoding);
 
-// How the channel's records lie in the blocks of a stream.
+// How the channel's records lie in the blocks of a stream: doubles, whatever
+// the recording stores.
 zlr::ChannelDescriptor layoutOf(const InputChannelEntry& channel);
 
 class InputChannels final : public HostService {

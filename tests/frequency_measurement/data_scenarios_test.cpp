@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -126,21 +127,28 @@ TEST_F(DataScenario, EstimatesOutsideTheRangeAreNaNAndTheLimitsThemselvesStand)
 }
 
 // The same values cut into blocks of different lengths, handed out at
-// different intervals, pulled as a stream or given with time stamps: the
-// same bits at the same indices, on each of two inputs.
+// different intervals, pulled as a stream or given with time stamps, and
+// recorded as double, float and 16-bit integers: the same bits at the same
+// indices on every input, since the host hands each out as the same doubles.
 TEST_F(DataScenario, ResultsDoNotDependOnHowTheHostCutsTheData)
 {
+    // Whole numbers of a 16-bit range, which float and int16 hold exactly.
     std::vector<double> values(25000);
+    std::vector<float> as_float(values.size());
+    std::vector<std::int16_t> as_int16(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
         const double t = static_cast<double>(i) / 10000.0;
-        values[i] = std::sin(2.0 * M_PI * (300.0 + 400.0 * t) * t);
+        values[i] = std::round(12000.0 * std::sin(2.0 * M_PI * (300.0 + 400.0 * t) * t));
+        as_float[i] = static_cast<float>(values[i]);
+        as_int16[i] = static_cast<std::int16_t>(values[i]);
     }
-    addInput(1, "First", 10000.0, MemoryRecording::of(values));
-    addInput(2, "Second", 10000.0, MemoryRecording::of(values));
-    const std::uint32_t root = createChannel({1, 2});
+    addInput(1, "Double", 10000.0, MemoryRecording::of(values));
+    addInput(2, "Float", 10000.0, MemoryRecording::of(as_float));
+    addInput(3, "Int16", 10000.0, MemoryRecording::of(as_int16));
+    const std::uint32_t root = createChannel({1, 2, 3});
     edit(root, OVERLAP, "75");
     const auto outputs = outputsOf(root);
-    ASSERT_EQ(outputs.size(), 2u);
+    ASSERT_EQ(outputs.size(), 3u);
 
     using zelvar_sim::ProcessMode;
     const zelvar_sim::RunOptions cuts[] = {
@@ -163,6 +171,10 @@ TEST_F(DataScenario, ResultsDoNotDependOnHowTheHostCutsTheData)
             if (reference.empty()) {
                 reference = got;
                 ASSERT_EQ(reference.size(), 46u); // (25000 - 2048) / 500 + 1
+                // A measurement, not the NaN of an input read wrong.
+                for (const auto& [index, frequency] : reference) {
+                    ASSERT_TRUE(std::isfinite(frequency)) << index;
+                }
             }
             ASSERT_EQ(got.size(), reference.size());
             for (std::size_t j = 0; j < got.size(); ++j) {

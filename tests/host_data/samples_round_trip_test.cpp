@@ -1,6 +1,7 @@
 // What the host delivers, read back with the kit's stream reader, equals the
-// recording bit for bit, in every sample type and record shape, with gaps
-// where the recording has them, whatever the block duration.
+// recording's values converted to double, bit for bit, in every sample type
+// the recording stores and every record shape, with gaps where the recording
+// has them, whatever the block duration.
 #include "plugin_side.h"
 #include "sim_acquisition.h"
 #include "zlr_assert_capture.h"
@@ -83,21 +84,75 @@ std::shared_ptr<MemoryRecording> randomRecording(const ChannelCase& channel, std
     return std::make_shared<MemoryRecording>(channel.encoding, std::move(bytes), channel.gaps);
 }
 
-// Every tick from 0 up to `ticks`: the recording's bytes, or none in a gap
-// and behind the recording's end.
+// One stored value as the double it stands for.
+std::vector<unsigned char> asDoubleBytes(SampleEncoding encoding, const unsigned char* stored)
+{
+    double value = 0.0;
+    const auto load = [&](auto narrow) {
+        std::memcpy(&narrow, stored, sizeof narrow);
+        value = static_cast<double>(narrow);
+    };
+    switch (encoding) {
+    case SampleEncoding::float64:
+        load(double{});
+        break;
+    case SampleEncoding::float32:
+        load(float{});
+        break;
+    case SampleEncoding::int16:
+        load(std::int16_t{});
+        break;
+    case SampleEncoding::int32:
+        load(std::int32_t{});
+        break;
+    }
+    std::vector<unsigned char> bytes(sizeof value);
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+// Every tick from 0 up to `ticks`: the recording's value as a double, or
+// none in a gap and behind the recording's end.
 std::vector<WalkedSample> expectedWalk(const ChannelCase& channel, const Recording& recording,
                                        std::uint64_t ticks)
 {
-    const std::size_t width = sampleBytes(channel.encoding);
     std::vector<WalkedSample> walk(ticks);
+    std::vector<unsigned char> stored(sampleBytes(channel.encoding));
     for (std::uint64_t tick = 0; tick < ticks; ++tick) {
         walk[tick].tick = tick;
-        std::vector<unsigned char> value(width);
-        if (recording.read(tick, 1, value.data())) {
-            walk[tick].value = std::move(value);
+        if (recording.read(tick, 1, stored.data())) {
+            walk[tick].value = asDoubleBytes(channel.encoding, stored.data());
         }
     }
     return walk;
+}
+
+// Every channel is described as doubles, unscaled, in its own record shape.
+void expectDoubleLayouts(const zlr::StreamDescriptors& descriptors,
+                         const std::vector<ChannelCase>& channels)
+{
+    std::size_t described = 0;
+    for (const zlr::StreamDescriptor& stream : descriptors.m_stream_descriptors) {
+        for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
+            ++described;
+            const auto channel = std::find_if(channels.begin(), channels.end(), [&](const ChannelCase& c) {
+                return c.id == layout.m_channel_id;
+            });
+            ASSERT_NE(channel, channels.end()) << "channel " << layout.m_channel_id;
+            EXPECT_EQ(layout.m_sample_type, zlr::SAMPLE_TYPE_DOUBLE) << channel->id;
+            EXPECT_EQ(layout.m_size, 64u) << channel->id;
+            EXPECT_EQ(layout.m_dimension, 1u) << channel->id;
+            EXPECT_EQ(layout.m_scale_factor, 1.0) << channel->id;
+            EXPECT_EQ(layout.m_scale_offset, 0.0) << channel->id;
+            EXPECT_EQ(shapeOf(layout), channel->shape) << channel->id;
+            // A double, its 64-bit tick, its 32-bit payload size.
+            const std::uint32_t stride = channel->shape == RecordShape::synchronous ? 64
+                                         : channel->shape == RecordShape::timestamped ? 128
+                                                                                      : 160;
+            EXPECT_EQ(layout.m_stride, stride) << channel->id;
+        }
+    }
+    EXPECT_EQ(described, channels.size());
 }
 
 std::string firstDifference(const std::vector<WalkedSample>& got,
@@ -145,6 +200,7 @@ TEST_P(SamplesRoundTrip, ReadBackEqualsTheRecording)
         PluginSide side(host);
         const std::uint64_t key = 11;
         ASSERT_EQ(side.registerDataSet(key, ids), 0u);
+        expectDoubleLayouts(side.descriptors(), test.channels);
         MasterClock& clock = acquisition.clock();
         if (!test.window_form) {
             ASSERT_EQ(side.startStream(key, test.block_duration), 0u);

@@ -1,7 +1,7 @@
 // A WAV and a CSV given to the simulated host as input channels: what the
 // host delivers in its blocks, walked with the kit's stream reader, is what
-// the files hold, in the files' own types, with a gap where a CSV field was
-// empty.
+// the files hold, as doubles whatever type a file stores, with a gap where a
+// CSV field was empty.
 #include "plugin_side.h"
 #include "sim_acquisition.h"
 #include "sim_frequency_table.h"
@@ -51,7 +51,8 @@ TEST(HostDelivery, FilesReachThePlugInAsWritten)
         expected[2].push_back(sampleOf(i, torque));
         for (std::uint64_t c = 0; c < 2; ++c) {
             wav[2 * i + c] = static_cast<std::int16_t>(i * 977 + c * 31);
-            expected[3 + c].push_back(sampleOf(i, std::optional<std::int16_t>(wav[2 * i + c])));
+            expected[3 + c].push_back(
+                sampleOf(i, std::optional<double>(static_cast<double>(wav[2 * i + c]))));
         }
     }
     test::writeText(folder / "rig.csv", csv.str());

@@ -65,7 +65,7 @@ void checkRoundTrip(const SoundCase& row, const std::filesystem::path& path)
                 << row.label << " channel " << c << " sample " << i;
         }
     }
-    // As doubles for readers that take nothing else: the same values.
+    // As doubles, the way the host hands them out: the same values.
     const auto as_doubles = asDoubles(file.inputs[0].recording);
     EXPECT_EQ(as_doubles->encoding(), SampleEncoding::float64);
     const std::vector<double> widened = test::readAll<double>(*as_doubles, {999});

@@ -1,6 +1,6 @@
 // A recording's samples as doubles, value for value: every type the host
-// stores (int16, int32, float) is held exactly by a double. For readers that
-// take every input as double whatever its data format says.
+// stores (int16, int32, float) is held exactly by a double. The host hands
+// out every channel this way, since plug-ins ask for scaled data.
 #pragma once
 
 #include "sim_recording.h"
