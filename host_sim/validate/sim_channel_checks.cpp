@@ -180,6 +180,15 @@ void checkSettings(CheckContext& context)
                                       std::to_string(limits ? limits->second : 0.0));
         }
     }
+    // The round trip is asked of settings a person could have made: each
+    // numeric setting goes back to what the channel started with.
+    for (const HostProperty& setting : channel->properties) {
+        if (numberOf(setting.value)) {
+            context.trace("PLUGIN_CONFIG_UPDATE " + setting.value.getName() + " back to its start");
+            requireCode(bench.model().sendConfigUpdate(root, setting.value),
+                        "PLUGIN_CONFIG_UPDATE of " + setting.value.getName());
+        }
+    }
     context.trace("save, clear, restore after " + std::to_string(numeric) + " edits");
     const std::string before = bench.settingsText(root);
     const std::string saved = bench.model().savedConfiguration();
