@@ -1,12 +1,13 @@
 // zelvar-sim: loads a plug-in the way Zelvar does and plays the host's side.
 // Without a command it runs a "Frequency Measurement" channel over its
-// built-in recording and prints the frequencies; "info" shows the start-up
-// dialogue alone.
+// built-in recording and prints the frequencies; "run" does so over files;
+// "info" shows the start-up dialogue alone.
 #include "plugin_loader.h"
 #include "sim_demo_recording.h"
 #include "sim_frequency_run.h"
 #include "sim_info_command.h"
 #include "sim_log_sink.h"
+#include "sim_run_command.h"
 #include "sim_run_printing.h"
 #include "zlruni_logger.h"
 
@@ -56,6 +57,8 @@ int main(int argc, char** argv)
     info_command->add_option("--host-version", info.host_version, "the version the host reports")
         ->capture_default_str();
     info_command->add_flag("--manifest", info.show_manifest, "print the plug-in's whole manifest");
+    zelvar_sim::RunCommandOptions run_files;
+    CLI::App* run_command = zelvar_sim::addRunCommand(app, run_files, plugin_path);
     CLI11_PARSE(app, argc, argv);
 
     zelvar_sim::LogSink log_sink(std::cerr, log_level);
@@ -63,6 +66,9 @@ int main(int argc, char** argv)
         zelvar_sim::PluginLibrary library(plugin_path);
         if (info_command->parsed()) {
             return zelvar_sim::runInfo(std::cout, library, info);
+        }
+        if (run_command->parsed()) {
+            return zelvar_sim::runRunCommand(library, run_files, std::cout, std::cerr);
         }
         zelvar_sim::FrequencyRunRequest request;
         request.inputs = zelvar_sim::demoInputs();

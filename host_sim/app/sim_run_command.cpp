@@ -1,0 +1,280 @@
+#include "sim_run_command.h"
+
+#include "sim_demo_recording.h"
+#include "sim_double_recording.h"
+#include "sim_file_error.h"
+#include "sim_frequency_plot.h"
+#include "sim_frequency_run.h"
+#include "sim_frequency_series.h"
+#include "sim_frequency_table.h"
+#include "sim_recording_file.h"
+#include "sim_run_printing.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <iostream>
+#include <stdexcept>
+
+namespace zelvar_sim {
+namespace {
+
+const char* const BUILT_IN = "(built-in)";
+
+// The inputs of one host session, and the reader whose faults end it.
+struct Session {
+    std::string file;
+    std::vector<DemoInput> inputs;
+    std::shared_ptr<const SharedFrameReader> reader;
+};
+
+// A run that the plug-in would not do as configured.
+struct Refused {
+    std::string text;
+};
+
+bool isIndex(const std::string& text)
+{
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
+        return std::isdigit(c) != 0;
+    });
+}
+
+// The inputs a person picked, by name first, then by position.
+std::vector<FileInput> pickedInputs(const RecordingFile& file, const std::vector<std::string>& wanted)
+{
+    if (wanted.empty()) {
+        return file.inputs;
+    }
+    std::vector<FileInput> picked;
+    for (const std::string& name : wanted) {
+        const auto by_name = std::find_if(file.inputs.begin(), file.inputs.end(),
+                                          [&](const FileInput& input) { return input.long_name == name; });
+        if (by_name != file.inputs.end()) {
+            picked.push_back(*by_name);
+        } else if (isIndex(name) && name.size() < 10 && std::stoul(name) < file.inputs.size()) {
+            picked.push_back(file.inputs[std::stoul(name)]);
+        } else {
+            throw FileError(file.path + ": no channel \"" + name + "\" (it has " +
+                            std::to_string(file.inputs.size()) + ")");
+        }
+    }
+    return picked;
+}
+
+std::vector<Session> openSessions(const RunCommandOptions& options)
+{
+    if (options.sample_rate) {
+        checkSampleRate("--sample-rate", *options.sample_rate);
+    }
+    std::vector<Session> sessions;
+    if (options.inputs.empty()) {
+        Session session{BUILT_IN, demoInputs(), nullptr};
+        for (DemoInput& input : session.inputs) {
+            input.sample_rate = options.sample_rate.value_or(input.sample_rate);
+        }
+        sessions.push_back(std::move(session));
+        return sessions;
+    }
+    std::vector<RecordingFile> files;
+    for (const std::string& path : options.inputs) {
+        RecordingFile file = openRecordingFile(path, options.sample_rate);
+        file.sample_rate = options.sample_rate.value_or(file.sample_rate);
+        file.inputs = pickedInputs(file, options.channels);
+        if (file.inputs.empty()) {
+            throw FileError(path + ": no channels to run on");
+        }
+        files.push_back(std::move(file));
+    }
+    makeLongNamesUnique(files);
+    for (const RecordingFile& file : files) {
+        Session session{file.path, {}, file.reader};
+        for (const FileInput& input : file.inputs) {
+            session.inputs.push_back(
+                {input.long_name, file.sample_rate, asDoubles(input.recording), file.format});
+        }
+        sessions.push_back(std::move(session));
+    }
+    return sessions;
+}
+
+std::vector<SettingEdit> settingEdits(const RunCommandOptions& options)
+{
+    const std::pair<const char*, const std::optional<double>&> edits[] = {
+        {"FREQUENCY_MEASUREMENT/WindowLength", options.window_length},
+        {"FREQUENCY_MEASUREMENT/WindowOverlap", options.overlap},
+        {"FREQUENCY_MEASUREMENT/MinFrequency", options.min_frequency},
+        {"FREQUENCY_MEASUREMENT/MaxFrequency", options.max_frequency},
+    };
+    std::vector<SettingEdit> result;
+    for (const auto& [key, value] : edits) {
+        if (value) {
+            result.push_back({key, numberText(*value)});
+        }
+    }
+    return result;
+}
+
+// Throws Refused when the plug-in did not take the configuration.
+void checkAccepted(const FrequencyRunResult& result)
+{
+    for (const ShownSetting& setting : result.settings) {
+        if (setting.key == "FREQUENCY_MEASUREMENT/StatusText" && !setting.value.empty()) {
+            throw Refused{setting.value};
+        }
+    }
+    if (!result.refused_edits.empty()) {
+        throw Refused{"setting not taken: " + result.refused_edits.front()};
+    }
+    for (const RunOutput& output : result.outputs) {
+        if (!output.valid) {
+            throw Refused{"output channel " + output.name + " is not valid"};
+        }
+    }
+    if (!result.faults.empty()) {
+        throw Refused{"the plug-in broke the host's protocol: " + result.faults.front().reason};
+    }
+}
+
+std::vector<FrequencySeries> seriesOf(const Session& session, const FrequencyRunResult& result)
+{
+    std::vector<FrequencySeries> series;
+    for (const DemoInput& input : session.inputs) {
+        const auto output = std::find_if(result.outputs.begin(), result.outputs.end(),
+                                         [&](const RunOutput& out) {
+                                             return out.name == input.long_name + "_Frequency";
+                                         });
+        if (output == result.outputs.end() || output->rate <= 0.0) {
+            throw Refused{"no output channel for " + input.long_name};
+        }
+        series.push_back({session.file, input.long_name, input.sample_rate,
+                          windowStepOf(input.sample_rate, output->rate), output->blocks});
+    }
+    return series;
+}
+
+// The table goes to a file beside the target first, so that a failed run
+// leaves the target as it was.
+void writeTableWhole(const std::string& path, const std::vector<FrequencySeries>& series)
+{
+    const std::filesystem::path target(path);
+    std::filesystem::path partial = target;
+    partial.replace_filename("." + target.filename().string() + ".part" + std::to_string(getpid()));
+    try {
+        writeFrequencyTable(partial.string(), series);
+        std::filesystem::rename(partial, target);
+    } catch (const std::filesystem::filesystem_error& error) {
+        std::filesystem::remove(partial);
+        throw FileError(path + ": cannot be written (" + error.code().message() + ")");
+    } catch (...) {
+        std::error_code ignored;
+        std::filesystem::remove(partial, ignored);
+        throw;
+    }
+}
+
+std::string plotTitle(const RunCommandOptions& options, const FrequencyRunResult& result)
+{
+    std::string title;
+    for (const ShownSetting& setting : result.settings) {
+        if (setting.key != "FREQUENCY_MEASUREMENT/InputChannels" &&
+            setting.key != "FREQUENCY_MEASUREMENT/StatusText") {
+            title += (title.empty() ? "" : ", ") + setting.label + " " + setting.value;
+        }
+    }
+    return (options.inputs.size() == 1 ? options.inputs.front() + ": " : std::string()) + title;
+}
+
+} // namespace
+
+CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& plugin_path)
+{
+    CLI::App* run = app.add_subcommand(
+        "run", "run a \"Frequency Measurement\" channel over recordings, one host session per file");
+    run->add_option("INPUT", options.inputs,
+                    "recordings: any format libsndfile reads, or CSV (.csv, .txt) with "
+                    "--sample-rate; none: the built-in recording");
+    run->add_option("--window-length", options.window_length,
+                    "window duration in s (0.01 to 1; the plug-in's default 0.2)");
+    run->add_option("--overlap", options.overlap,
+                    "window overlap in % (0 to 90; the plug-in's default 50)");
+    run->add_option("--min-frequency", options.min_frequency,
+                    "lowest frequency published, in Hz (default 5 / window length)");
+    run->add_option("--max-frequency", options.max_frequency,
+                    "highest frequency searched and published, in Hz (default half the sample rate)");
+    run->add_option("--channels", options.channels,
+                    "input columns or file channels, by name or 0-based index, comma-separated "
+                    "(default: all)")
+        ->delimiter(',');
+    run->add_option("--sample-rate", options.sample_rate,
+                    "sample rate in Hz; required for CSV, overrides a file's own");
+    run->add_option("--block-duration", options.block_duration,
+                    "seconds of data per block the host hands out")
+        ->capture_default_str();
+    run->add_option("-o,--output", options.output,
+                    "write the CSV table to FILE, '-' for standard output (default: a readable "
+                    "table and a summary per input)");
+    run->add_option("--plot", options.plot, "draw the frequencies with gnuplot into FILE.png or FILE.svg");
+    run->add_flag("-q,--quiet", options.quiet, "print nothing but errors");
+    run->add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
+    return run;
+}
+
+int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std::ostream& out,
+                  std::ostream& err)
+{
+    try {
+        const std::vector<Session> sessions = openSessions(options);
+        std::vector<FrequencySeries> series;
+        std::string title;
+        for (const Session& session : sessions) {
+            FrequencyRunRequest request;
+            request.inputs = session.inputs;
+            request.edits = settingEdits(options);
+            request.run.block_duration = options.block_duration;
+            request.run.mode = ProcessMode::time_stamped;
+            const FrequencyRunResult result = runFrequencyMeasurement(library, request);
+            if (session.reader && !session.reader->fault().empty()) {
+                throw FileError(session.reader->fault());
+            }
+            checkAccepted(result);
+            if (options.output.empty() && !options.quiet) {
+                out << "file: " << session.file << "\n";
+                printFrequencyRun(out, request, result);
+            }
+            title = plotTitle(options, result);
+            for (FrequencySeries& one : seriesOf(session, result)) {
+                series.push_back(std::move(one));
+            }
+        }
+        if (options.output == "-") {
+            writeFrequencyTable(out, series);
+        } else if (!options.output.empty()) {
+            writeTableWhole(options.output, series);
+        }
+        if (!options.plot.empty()) {
+            plotFrequencies({options.plot, title, series});
+        }
+        if (!options.quiet && options.output != "-") {
+            std::vector<FrequencySummary> summaries;
+            for (const FrequencySeries& one : series) {
+                summaries.push_back(summarise(one));
+            }
+            printSummaries(out, summaries);
+        }
+        return 0;
+    } catch (const FileError& error) {
+        err << "zelvar-sim: " << error.what() << "\n";
+        return 2;
+    } catch (const std::invalid_argument& error) {
+        err << "zelvar-sim: " << error.what() << "\n";
+        return 2;
+    } catch (const Refused& refused) {
+        err << "zelvar-sim: " << refused.text << "\n";
+        return 3;
+    }
+}
+
+} // namespace zelvar_sim

@@ -1,0 +1,39 @@
+// "zelvar-sim run [INPUT ...]": the plug-in on a person's recordings (or on
+// the built-in one), with the settings given as options, writing a CSV
+// table, a summary per input and, if asked, a plot.
+#pragma once
+
+#include "plugin_loader.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelvar_sim {
+
+struct RunCommandOptions {
+    std::vector<std::string> inputs; // files; none: the built-in recording
+    std::optional<double> window_length; // s
+    std::optional<double> overlap;       // %
+    std::optional<double> min_frequency; // Hz
+    std::optional<double> max_frequency; // Hz
+    std::vector<std::string> channels;   // names or 0-based indices; empty: all
+    std::optional<double> sample_rate;   // Hz
+    double block_duration = 0.01;        // s
+    std::string output;                  // "-": standard output
+    std::string plot;                    // ".png" or ".svg"
+    bool quiet = false;
+};
+
+// Adds the subcommand; its --plugin writes to `plugin_path`.
+CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& plugin_path);
+
+// Exit status: 0 done, 2 bad input (one line on `err`), 3 the plug-in
+// refused the configuration (its status text on `err`).
+int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std::ostream& out,
+                  std::ostream& err);
+
+} // namespace zelvar_sim
