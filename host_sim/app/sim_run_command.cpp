@@ -43,22 +43,24 @@ bool isIndex(const std::string& text)
 }
 
 // The inputs a person picked, by name first, then by position.
-std::vector<FileInput> pickedInputs(const RecordingFile& file, const std::vector<std::string>& wanted)
+template <typename Input>
+std::vector<Input> pickedInputs(const std::string& where, const std::vector<Input>& inputs,
+                                const std::vector<std::string>& wanted)
 {
     if (wanted.empty()) {
-        return file.inputs;
+        return inputs;
     }
-    std::vector<FileInput> picked;
+    std::vector<Input> picked;
     for (const std::string& name : wanted) {
-        const auto by_name = std::find_if(file.inputs.begin(), file.inputs.end(),
-                                          [&](const FileInput& input) { return input.long_name == name; });
-        if (by_name != file.inputs.end()) {
+        const auto by_name = std::find_if(inputs.begin(), inputs.end(),
+                                          [&](const Input& input) { return input.long_name == name; });
+        if (by_name != inputs.end()) {
             picked.push_back(*by_name);
-        } else if (isIndex(name) && name.size() < 10 && std::stoul(name) < file.inputs.size()) {
-            picked.push_back(file.inputs[std::stoul(name)]);
+        } else if (isIndex(name) && name.size() < 10 && std::stoul(name) < inputs.size()) {
+            picked.push_back(inputs[std::stoul(name)]);
         } else {
-            throw FileError(file.path + ": no channel \"" + name + "\" (it has " +
-                            std::to_string(file.inputs.size()) + ")");
+            throw FileError(where + ": no channel \"" + name + "\" (it has " +
+                            std::to_string(inputs.size()) + ")");
         }
     }
     return picked;
@@ -71,7 +73,7 @@ std::vector<Session> openSessions(const RunCommandOptions& options)
     }
     std::vector<Session> sessions;
     if (options.inputs.empty()) {
-        Session session{BUILT_IN, demoInputs(), nullptr};
+        Session session{BUILT_IN, pickedInputs(BUILT_IN, demoInputs(), options.channels), nullptr};
         for (DemoInput& input : session.inputs) {
             input.sample_rate = options.sample_rate.value_or(input.sample_rate);
         }
@@ -82,7 +84,7 @@ std::vector<Session> openSessions(const RunCommandOptions& options)
     for (const std::string& path : options.inputs) {
         RecordingFile file = openRecordingFile(path, options.sample_rate);
         file.sample_rate = options.sample_rate.value_or(file.sample_rate);
-        file.inputs = pickedInputs(file, options.channels);
+        file.inputs = pickedInputs(path, file.inputs, options.channels);
         if (file.inputs.empty()) {
             throw FileError(path + ": no channels to run on");
         }
@@ -166,7 +168,8 @@ void writeTableWhole(const std::string& path, const std::vector<FrequencySeries>
         writeFrequencyTable(partial.string(), series);
         std::filesystem::rename(partial, target);
     } catch (const std::filesystem::filesystem_error& error) {
-        std::filesystem::remove(partial);
+        std::error_code ignored;
+        std::filesystem::remove(partial, ignored);
         throw FileError(path + ": cannot be written (" + error.code().message() + ")");
     } catch (...) {
         std::error_code ignored;
@@ -211,7 +214,8 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
     run->add_option("--sample-rate", options.sample_rate,
                     "sample rate in Hz; required for CSV, overrides a file's own");
     run->add_option("--block-duration", options.block_duration,
-                    "seconds of data per block the host hands out")
+                    "seconds of data per block the host hands out (0.0001 to 3600)")
+        ->check(CLI::Range(0.0001, 3600.0))
         ->capture_default_str();
     run->add_option("-o,--output", options.output,
                     "write the CSV table to FILE, '-' for standard output (default: a readable "
