@@ -9,6 +9,7 @@
 #include "sim_log_sink.h"
 #include "sim_run_command.h"
 #include "sim_run_printing.h"
+#include "sim_validate_command.h"
 #include "zlruni_logger.h"
 
 #include <CLI/CLI.hpp>
@@ -59,6 +60,7 @@ int main(int argc, char** argv)
     info_command->add_flag("--manifest", info.show_manifest, "print the plug-in's whole manifest");
     zelvar_sim::RunCommandOptions run_files;
     CLI::App* run_command = zelvar_sim::addRunCommand(app, run_files, plugin_path);
+    addValidateCommand(app);
     CLI11_PARSE(app, argc, argv);
 
     zelvar_sim::LogSink log_sink(std::cerr, log_level);

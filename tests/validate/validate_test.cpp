@@ -43,7 +43,7 @@ TEST(Validate, EachFaultFailsItsCheckAndTheRestStillRun)
     for (const ValidateCase& test : cases) {
         SCOPED_TRACE(test.plugin);
         const std::string output = zlr::test::runCommand(
-            std::string(VALIDATE_DRIVER) + " validate " + pluginPath(test) + " --seed 7 " +
+            std::string(ZELVAR_SIM) + " validate " + pluginPath(test) + " --seed 7 " +
             test.options + " 2>&1; echo \"status $?\"");
         const std::string summary = "validate: " + std::to_string(test.passed) + " passed, " +
                                     std::to_string(test.failed) + " failed, " +
