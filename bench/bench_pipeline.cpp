@@ -32,16 +32,6 @@ std::vector<double> recording(double rate, double frequency)
     return samples;
 }
 
-zlr::DataFormat synchronousScalar()
-{
-    zlr::DataFormat format;
-    format.m_sample_occurrence = zlr::SAMPLE_OCCURRENCE_SYNC;
-    format.m_sample_format = zlr::SAMPLE_FORMAT_DOUBLE;
-    format.m_sample_value_type = zlr::SAMPLE_VALUE_TYPE_SCALAR;
-    format.m_sample_dimension = 1;
-    return format;
-}
-
 // Arguments: inputs, rate in Hz, overlap in percent.
 void BM_Pipeline(benchmark::State& state)
 {
@@ -63,7 +53,7 @@ void BM_Pipeline(benchmark::State& state)
                 acquisition.addInputChannel({.id = i + 1, .long_name = "In" + std::to_string(i),
                                              .sample_rate = rate},
                                             samples);
-                candidates.push_back({static_cast<std::uint32_t>(i + 1), synchronousScalar()});
+                candidates.push_back({static_cast<std::uint32_t>(i + 1), zelvar_sim::synchronousScalar()});
             }
             zelvar_sim::PluginSession session(library, host);
             model.attach(session);

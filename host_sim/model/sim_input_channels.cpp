@@ -167,4 +167,14 @@ void InputChannels::describe(std::ostream& out) const
     }
 }
 
+zlr::DataFormat synchronousScalar()
+{
+    zlr::DataFormat format;
+    format.m_sample_occurrence = zlr::SAMPLE_OCCURRENCE_SYNC;
+    format.m_sample_format = zlr::SAMPLE_FORMAT_DOUBLE;
+    format.m_sample_value_type = zlr::SAMPLE_VALUE_TYPE_SCALAR;
+    format.m_sample_dimension = 1;
+    return format;
+}
+
 } // namespace zelvar_sim

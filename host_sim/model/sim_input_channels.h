@@ -76,4 +76,8 @@ private:
     std::vector<std::uint64_t> m_other_ids;
 };
 
+// The data format of a plain synchronous channel of double values, as the
+// host reports its input channels to a plug-in's creation dialogue.
+zlr::DataFormat synchronousScalar();
+
 } // namespace zelvar_sim

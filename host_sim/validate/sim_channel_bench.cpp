@@ -29,16 +29,6 @@ std::shared_ptr<const Recording> toneRecording(std::mt19937_64& random)
     return MemoryRecording::of(samples);
 }
 
-zlr::DataFormat synchronousScalar()
-{
-    zlr::DataFormat format;
-    format.m_sample_occurrence = zlr::SAMPLE_OCCURRENCE_SYNC;
-    format.m_sample_format = zlr::SAMPLE_FORMAT_DOUBLE;
-    format.m_sample_value_type = zlr::SAMPLE_VALUE_TYPE_SCALAR;
-    format.m_sample_dimension = 1;
-    return format;
-}
-
 } // namespace
 
 ChannelBench::ChannelBench(PluginLibrary& library, std::uint64_t seed)

@@ -240,7 +240,7 @@ TEST(PluginLifetime, UnloadsAfterARunAndRunsAgain)
             zelvar_sim::PluginLibrary library(path);
             zelvar_sim::PluginSession session(library, host);
             model.attach(session);
-            const auto created = model.createSoftwareChannel({{3, synchronousScalar()}});
+            const auto created = model.createSoftwareChannel({{3, zelvar_sim::synchronousScalar()}});
             ASSERT_TRUE(created.response);
             ASSERT_EQ(created.response->m_created_channels.size(), 2u);
             EXPECT_TRUE(acquisition.run(session).failures().empty());

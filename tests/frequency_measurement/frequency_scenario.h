@@ -38,16 +38,6 @@ inline std::vector<double> tone(double frequency, double rate, std::size_t count
     return samples;
 }
 
-inline zlr::DataFormat synchronousScalar()
-{
-    zlr::DataFormat format;
-    format.m_sample_occurrence = zlr::SAMPLE_OCCURRENCE_SYNC;
-    format.m_sample_format = zlr::SAMPLE_FORMAT_DOUBLE;
-    format.m_sample_value_type = zlr::SAMPLE_VALUE_TYPE_SCALAR;
-    format.m_sample_dimension = 1;
-    return format;
-}
-
 class FrequencyScenario : public zelvar_sim::test::SimScenario {
 protected:
     void addInput(std::uint64_t id, const std::string& name, double rate,
@@ -64,7 +54,7 @@ protected:
     {
         std::vector<zlr::InputChannelFormat> candidates;
         for (const std::uint64_t id : inputs) {
-            candidates.push_back({static_cast<std::uint32_t>(id), synchronousScalar()});
+            candidates.push_back({static_cast<std::uint32_t>(id), zelvar_sim::synchronousScalar()});
         }
         const auto created = model().createSoftwareChannel(candidates);
         EXPECT_TRUE(created.response && !created.response->m_created_channels.empty())
