@@ -6,9 +6,7 @@
 // channel creation) stands outside the timing. Figures in bench/README.md.
 #include "frequency_measurement_instance.h"
 #include "plugin_loader.h"
-#include "sim_acquisition.h"
-#include "sim_host.h"
-#include "sim_host_model.h"
+#include "sim_host_bench.h"
 
 #include <benchmark/benchmark.h>
 
@@ -44,28 +42,22 @@ void BM_Pipeline(benchmark::State& state)
     for (auto _ : state) {
         state.PauseTiming();
         {
-            zelvar_sim::SimHost host;
-            host.setIdentity("Zelvar", "5.6");
-            zelvar_sim::HostModel model(host);
-            zelvar_sim::Acquisition acquisition(host);
-            std::vector<zlr::InputChannelFormat> candidates;
+            zelvar_sim::HostBench bench;
             for (std::size_t i = 0; i < inputs; ++i) {
-                acquisition.addInputChannel({.id = i + 1, .long_name = "In" + std::to_string(i),
-                                             .sample_rate = rate},
-                                            samples);
-                candidates.push_back({static_cast<std::uint32_t>(i + 1), zelvar_sim::synchronousScalar()});
+                bench.addInput({.id = i + 1, .long_name = "In" + std::to_string(i), .sample_rate = rate},
+                               samples);
             }
-            zelvar_sim::PluginSession session(library, host);
-            model.attach(session);
-            const auto created = model.createSoftwareChannel(candidates);
+            zelvar_sim::PluginSession session(library, bench.host());
+            bench.model().attach(session);
+            const auto created = bench.createChannel();
             const std::uint32_t root = created.response->m_created_channels.front();
-            model.editProperty(root, "FREQUENCY_MEASUREMENT/WindowOverlap", overlap);
+            bench.model().editProperty(root, "FREQUENCY_MEASUREMENT/WindowOverlap", overlap);
             state.ResumeTiming();
-            acquisition.run(session, {.block_duration = 0.1, .process_interval = 0.1});
+            bench.acquisition().run(session, {.block_duration = 0.1, .process_interval = 0.1});
             state.PauseTiming();
-            values = acquisition.outputValues(created.response->m_created_channels.back()).size();
+            values = bench.acquisition().outputValues(created.response->m_created_channels.back()).size();
             session.finish();
-            model.detach();
+            bench.model().detach();
         }
         state.ResumeTiming();
     }

@@ -1,8 +1,6 @@
 #include "sim_frequency_run.h"
 
-#include "sim_acquisition.h"
-#include "sim_host.h"
-#include "sim_host_model.h"
+#include "sim_host_bench.h"
 #include "zlrapi_property_values.h"
 
 #include <cstdlib>
@@ -56,28 +54,21 @@ std::string shownValue(const zlr::Property& property)
 FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
                                            const FrequencyRunRequest& request)
 {
-    SimHost host;
-    host.setIdentity("Zelvar", "5.6");
-    HostModel model(host);
-    Acquisition acquisition(host);
-    acquisition.setOutputCheck(
-        [&model](std::uint32_t local_id) { return model.channels().channel(local_id).has_value(); });
-
-    std::vector<zlr::InputChannelFormat> candidates;
+    HostBench bench;
+    HostModel& model = bench.model();
+    Acquisition& acquisition = bench.acquisition();
     std::uint64_t next_id = 1;
     for (const DemoInput& input : request.inputs) {
-        const std::uint64_t id = next_id++;
-        acquisition.addInputChannel({.id = id, .long_name = input.long_name,
-                                     .sample_rate = input.sample_rate},
-                                    input.recording);
-        candidates.push_back({static_cast<std::uint32_t>(id), synchronousScalar()});
+        bench.addInput({.id = next_id++, .long_name = input.long_name,
+                        .sample_rate = input.sample_rate},
+                       input.recording);
     }
 
     FrequencyRunResult result;
     {
-        PluginSession session(library, host);
+        PluginSession session(library, bench.host());
         model.attach(session);
-        const CreateOutcome created = model.createSoftwareChannel(candidates);
+        const CreateOutcome created = bench.createChannel();
         if (!created.response || created.response->m_created_channels.empty()) {
             model.detach();
             throw std::runtime_error("the plug-in made no channel (answer " +
@@ -108,10 +99,7 @@ FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
         }
         result.task_registered = !acquisition.tasks().tasks().empty();
         result.report = acquisition.run(session, request.run);
-        for (const HostChannel& channel : model.channels().channels()) {
-            if (channel.parent != root) {
-                continue;
-            }
+        for (const HostChannel& channel : bench.outputsOf(root)) {
             result.outputs.push_back({channel.local_id, channel.default_name,
                                       channel.timebase.m_frequency, channel.valid,
                                       acquisition.outputBlocks(channel.local_id)});
@@ -119,8 +107,8 @@ FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
         session.finish();
         model.detach();
     }
-    result.faults = host.faults();
-    result.values_left = host.valuesOutsideTree();
+    result.faults = bench.host().faults();
+    result.values_left = bench.host().valuesOutsideTree();
     return result;
 }
 

@@ -37,6 +37,24 @@ double TaskDriver::endOfRecordings(const std::vector<RegisteredTask>& tasks) con
     return end;
 }
 
+void TaskDriver::processStep(const std::vector<RegisteredTask>& tasks, const PluginSender& send,
+                             const RunOptions& options, zlr::Timestamp start, zlr::Timestamp end,
+                             RunReport& report)
+{
+    for (const RegisteredTask& task : tasks) {
+        std::uint64_t answer = 0;
+        if (options.mode == ProcessMode::time_stamped) {
+            XmlValue* window = new XmlValue(m_host.ledger(), writeProcessWindow(start, end));
+            answer = send(zlr::PLUGIN_TASK_PROCESS, task.key, window);
+            window->release();
+        } else {
+            answer = send(zlr::PLUGIN_TASK_PROCESS, task.key, nullptr);
+        }
+        report.messages.push_back({zlr::PLUGIN_TASK_PROCESS, task.key, answer});
+    }
+    ++report.process_steps;
+}
+
 RunReport TaskDriver::run(const PluginSender& send, const RunOptions& options)
 {
     RunReport report;
@@ -65,6 +83,16 @@ RunReport TaskDriver::run(const PluginSender& send, const RunOptions& options)
                        std::min<std::uint64_t>(1, m_clock.ticksAtOrAfter(report.end_seconds)));
     const std::uint64_t interval =
         std::max<std::uint64_t>(1, m_clock.ticksAtOrAfter(options.process_interval));
+    const bool uneven = std::any_of(options.step_intervals.begin(), options.step_intervals.end(),
+                                    [](double seconds) { return seconds > 0.0; });
+    std::uint64_t step = 0;
+    const auto nextInterval = [&]() -> std::uint64_t {
+        if (!uneven) {
+            return interval;
+        }
+        const double seconds = options.step_intervals[step++ % options.step_intervals.size()];
+        return seconds > 0.0 ? std::max<std::uint64_t>(1, m_clock.ticksAtOrAfter(seconds)) : 0;
+    };
     std::uint64_t extra_steps = 0;
     while (!tasks.empty()) {
         const zlr::Timestamp start = m_clock.now();
@@ -74,20 +102,23 @@ RunReport TaskDriver::run(const PluginSender& send, const RunOptions& options)
             break;
         }
         zlr::Timestamp end = start;
-        end.ticks = ended ? start.ticks + interval : std::min(start.ticks + interval, end_ticks);
-        m_clock.setTicks(end.ticks);
-        for (const RegisteredTask& task : tasks) {
-            std::uint64_t answer = 0;
-            if (options.mode == ProcessMode::time_stamped) {
-                XmlValue* window = new XmlValue(m_host.ledger(), writeProcessWindow(start, end));
-                answer = send(zlr::PLUGIN_TASK_PROCESS, task.key, window);
-                window->release();
-            } else {
-                answer = send(zlr::PLUGIN_TASK_PROCESS, task.key, nullptr);
-            }
-            report.messages.push_back({zlr::PLUGIN_TASK_PROCESS, task.key, answer});
+        end.ticks = ended ? start.ticks + interval : std::min(start.ticks + nextInterval(), end_ticks);
+        const bool swap = !ended && options.swap_every > 0 &&
+                          report.process_steps % options.swap_every == options.swap_every - 1;
+        zlr::Timestamp later_end = end;
+        later_end.ticks = swap ? std::min(end.ticks + nextInterval(), end_ticks) : end.ticks;
+        if (later_end.ticks > end.ticks) {
+            // The later span first, with the clock already at its end; a
+            // stream then reads the clock back at the earlier end.
+            m_clock.setTicks(later_end.ticks);
+            processStep(tasks, send, options, end, later_end, report);
+            m_clock.setTicks(end.ticks);
+            processStep(tasks, send, options, start, end, report);
+            m_clock.setTicks(later_end.ticks);
+            continue;
         }
-        ++report.process_steps;
+        m_clock.setTicks(end.ticks);
+        processStep(tasks, send, options, start, end, report);
     }
     // Windows carry their data with them; only streams can be left behind.
     report.all_delivered = m_clock.now().ticks >= end_ticks &&

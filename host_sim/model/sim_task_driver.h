@@ -35,6 +35,18 @@ struct RunOptions {
     // Steps the plug-in is given, once the recordings have ended, to take
     // the last data of its streams before the run gives up.
     std::uint64_t extra_steps = 16;
+
+    // A clock that does not tick evenly, as a loaded host's does: the host
+    // time of each step, taken in turn from this list (seconds) instead of
+    // process_interval. A 0 is a step at which the clock stands still, a
+    // long one a jump forward. A list without a positive entry is ignored,
+    // since the run would never end.
+    std::vector<double> step_intervals;
+    // Every this many steps (0: never) two adjoining steps reach the plug-in
+    // in swapped order: the later span first, then the earlier one. With
+    // time stamps the windows come out of order; a stream sees the clock go
+    // back and forward again.
+    std::uint64_t swap_every = 0;
 };
 
 // One message the driver sent and what the plug-in answered.
@@ -67,6 +79,10 @@ public:
     RunReport run(const PluginSender& send, const RunOptions& options);
 
 private:
+    // Sends PLUGIN_TASK_PROCESS to every task for the span [start, end].
+    void processStep(const std::vector<RegisteredTask>& tasks, const PluginSender& send,
+                     const RunOptions& options, zlr::Timestamp start, zlr::Timestamp end,
+                     RunReport& report);
     double endOfRecordings(const std::vector<RegisteredTask>& tasks) const;
 
     SimHost& m_host;

@@ -33,15 +33,28 @@ std::shared_ptr<const Recording> toneRecording(std::mt19937_64& random)
 
 ChannelBench::ChannelBench(PluginLibrary& library, std::uint64_t seed)
 {
+    std::mt19937_64 random(seed);
+    std::vector<BenchInput> inputs;
+    for (std::uint64_t id = 1; id <= 2; ++id) {
+        inputs.push_back({{.id = id, .long_name = "Tone " + std::to_string(id), .sample_rate = SAMPLE_RATE},
+                          toneRecording(random)});
+    }
+    start(library, inputs);
+}
+
+ChannelBench::ChannelBench(PluginLibrary& library, const std::vector<BenchInput>& inputs)
+{
+    start(library, inputs);
+}
+
+void ChannelBench::start(PluginLibrary& library, const std::vector<BenchInput>& inputs)
+{
     m_host.setIdentity("Zelvar", library.manifestInfo().minimum_host_version);
     m_acquisition.setOutputCheck(
         [this](std::uint32_t local_id) { return m_model.channels().channel(local_id).has_value(); });
-    std::mt19937_64 random(seed);
-    for (std::uint64_t id = 1; id <= 2; ++id) {
-        m_acquisition.addInputChannel(
-            {.id = id, .long_name = "Tone " + std::to_string(id), .sample_rate = SAMPLE_RATE},
-            toneRecording(random));
-        m_candidates.push_back({static_cast<std::uint32_t>(id), synchronousScalar()});
+    for (const BenchInput& input : inputs) {
+        m_acquisition.addInputChannel(input.setup, input.recording);
+        m_candidates.push_back({static_cast<std::uint32_t>(input.setup.id), synchronousScalar()});
     }
     m_session = std::make_unique<PluginSession>(library, m_host);
     m_model.attach(*m_session);
@@ -61,7 +74,7 @@ std::uint32_t ChannelBench::createChannel()
 {
     const CreateOutcome created = m_model.createSoftwareChannel(m_candidates);
     CheckContext::require(created.response && !created.response->m_created_channels.empty(),
-                          "PLUGIN_SOFTWARE_CHANNEL_CREATE over two synchronous inputs made no "
+                          "PLUGIN_SOFTWARE_CHANNEL_CREATE over synchronous inputs made no "
                           "channel (answer " + std::to_string(created.code) + ")");
     return created.response->m_created_channels.front();
 }

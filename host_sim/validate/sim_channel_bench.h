@@ -22,11 +22,19 @@ struct OutputRun {
     std::vector<CapturedBlock> blocks;
 };
 
+// One input channel of the host and the recording behind it.
+struct BenchInput {
+    InputChannelSetup setup;
+    std::shared_ptr<const Recording> recording;
+};
+
 class ChannelBench {
 public:
     // Loads nothing: `library` stays the caller's. Skips the check (with
     // CheckSkipped) when the plug-in registers no software channel.
     ChannelBench(PluginLibrary& library, std::uint64_t seed);
+    // The same over inputs of the caller's.
+    ChannelBench(PluginLibrary& library, const std::vector<BenchInput>& inputs);
     ~ChannelBench();
 
     SimHost& host() { return m_host; }
@@ -34,7 +42,7 @@ public:
     Acquisition& acquisition() { return m_acquisition; }
     PluginSession& session() { return *m_session; }
 
-    // A channel over both inputs; answers its root's local id, or fails the
+    // A channel over every input; answers its root's local id, or fails the
     // check when the plug-in makes none.
     std::uint32_t createChannel();
 
@@ -48,6 +56,8 @@ public:
     void finish();
 
 private:
+    void start(PluginLibrary& library, const std::vector<BenchInput>& inputs);
+
     SimHost m_host;
     HostModel m_model{m_host};
     Acquisition m_acquisition{m_host};

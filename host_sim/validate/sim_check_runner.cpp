@@ -22,7 +22,7 @@ constexpr const char* VERDICT_PREFIX = "verdict: ";
 constexpr std::size_t KEPT_LINES = 6;
 
 [[noreturn]] void runChild(const Check& check, const std::string& plugin_path, std::uint64_t seed,
-                           int out_fd)
+                           const CheckOptions& options, int out_fd)
 {
     // Whatever the plug-in or a sanitizer prints lands in the same pipe, so
     // that the last lines before a crash say what happened.
@@ -32,6 +32,8 @@ constexpr std::size_t KEPT_LINES = 6;
     {
         LogSink quiet_log{LogSink::Recording{}};
         CheckContext context(plugin_path, seed, out_fd);
+        context.setOptions(options);
+        context.setLog(&quiet_log);
         try {
             check.run(context);
             verdict = "pass";
@@ -108,7 +110,7 @@ std::string signalText(int signal_number)
 } // namespace
 
 CheckResult runIsolated(const Check& check, const std::string& plugin_path, std::uint64_t seed,
-                        double time_limit_seconds)
+                        double time_limit_seconds, const CheckOptions& options)
 {
     CheckResult result;
     int pipe_fds[2];
@@ -128,7 +130,7 @@ CheckResult runIsolated(const Check& check, const std::string& plugin_path, std:
     }
     if (child == 0) {
         ::close(pipe_fds[0]);
-        runChild(check, plugin_path, seed, pipe_fds[1]);
+        runChild(check, plugin_path, seed, options, pipe_fds[1]);
     }
     ::close(pipe_fds[1]);
 

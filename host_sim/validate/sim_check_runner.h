@@ -23,6 +23,6 @@ struct CheckResult {
 // Runs `check` in a child process; a crash, an abort, an exit without a
 // verdict or more than `time_limit_seconds` is a failure.
 CheckResult runIsolated(const Check& check, const std::string& plugin_path, std::uint64_t seed,
-                        double time_limit_seconds);
+                        double time_limit_seconds, const CheckOptions& options = {});
 
 } // namespace zelvar_sim::validate

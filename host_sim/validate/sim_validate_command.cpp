@@ -56,7 +56,7 @@ int runValidate(std::ostream& out, const ValidateRequest& request)
                 continue;
             }
             const CheckResult result =
-                runIsolated(check, request.plugin_path, seed, request.time_limit_seconds);
+                runIsolated(check, request.plugin_path, seed, request.time_limit_seconds, request.options);
             switch (result.verdict) {
             case Verdict::pass:
                 out << "PASS " << check.name << "\n";
@@ -104,6 +104,10 @@ void addValidateCommand(CLI::App& app)
         ->capture_default_str();
     command->add_option("--time-limit", request->time_limit_seconds,
                         "seconds a check may take before it counts as a hang")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    command->add_option("--long-run", request->options.long_run_seconds,
+                        "seconds of data of the long run at 48 kHz")
         ->check(CLI::PositiveNumber)
         ->capture_default_str();
     command->final_callback([request]() {

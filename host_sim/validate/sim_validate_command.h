@@ -3,6 +3,8 @@
 // summary; the exit status is 0 only when no check failed.
 #pragma once
 
+#include "sim_check_context.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -19,6 +21,7 @@ struct ValidateRequest {
     std::string only;
     int strictness = 3;
     double time_limit_seconds = 60.0;
+    CheckOptions options;
 };
 
 // Runs the checks and prints their lines to `out`; answers the exit status.

@@ -90,7 +90,7 @@ TEST_F(ConfigurationScenario, RefusedSettingsShowTheirStatusUntilFixed)
         roots.push_back(c.refuse());
         EXPECT_EQ(status(roots.back()), c.status);
         EXPECT_FALSE(taskRegistered(roots.back()));
-        for (const auto& output : outputsOf(roots.back())) {
+        for (const auto& output : bench().outputsOf(roots.back())) {
             EXPECT_FALSE(output.valid) << output.default_name;
         }
     }
@@ -106,7 +106,7 @@ TEST_F(ConfigurationScenario, RefusedSettingsShowTheirStatusUntilFixed)
     run({.mode = zelvar_sim::ProcessMode::time_stamped});
     for (std::size_t i = 0; i < roots.size(); ++i) {
         SCOPED_TRACE(cases[i].status);
-        const auto outputs = outputsOf(roots[i]);
+        const auto outputs = bench().outputsOf(roots[i]);
         ASSERT_EQ(outputs.size(), 1u);
         EXPECT_TRUE(outputs[0].valid);
         EXPECT_FALSE(acquisition().outputValues(outputs[0].local_id).empty());
@@ -133,7 +133,7 @@ TEST_F(ConfigurationScenario, RestoreUnderNewInputIdsKeepsTheChannel)
     }
     const std::string saved = zelvar_sim::writeUpdatePluginChannels(saved_channels);
     std::set<std::string> output_names;
-    for (const auto& output : outputsOf(root)) {
+    for (const auto& output : bench().outputsOf(root)) {
         output_names.insert(output.default_name);
     }
     const double min_before = shownScalar(root, MIN_FREQUENCY);
@@ -164,7 +164,7 @@ TEST_F(ConfigurationScenario, RestoreUnderNewInputIdsKeepsTheChannel)
     ASSERT_TRUE(shown(new_root, "Elsewhere/Note"));
     EXPECT_EQ(shown(new_root, "Elsewhere/Note")->getStringValue(), "kept as it was");
     std::set<std::string> restored_names;
-    for (const auto& output : outputsOf(new_root)) {
+    for (const auto& output : bench().outputsOf(new_root)) {
         restored_names.insert(output.default_name);
         EXPECT_EQ(restored.id_map->size(), 3u) << "the root and both outputs found again";
         EXPECT_EQ(output.timebase.m_frequency, 40.0);
@@ -172,7 +172,7 @@ TEST_F(ConfigurationScenario, RestoreUnderNewInputIdsKeepsTheChannel)
     EXPECT_EQ(restored_names, output_names);
     EXPECT_TRUE(taskRegistered(new_root));
     run();
-    for (const auto& output : outputsOf(new_root)) {
+    for (const auto& output : bench().outputsOf(new_root)) {
         EXPECT_FALSE(acquisition().outputValues(output.local_id).empty());
     }
 }
@@ -220,7 +220,7 @@ TEST_F(ConfigurationScenario, UnusableMessagesAnswerCodesAndChangeNothing)
     EXPECT_EQ(shown(root, INPUTS)->getChannelIDListValue(), (std::vector<std::uint64_t>{1}));
 
     run();
-    EXPECT_EQ(acquisition().outputValues(outputsOf(root).at(0).local_id).size(), 3u);
+    EXPECT_EQ(acquisition().outputValues(bench().outputsOf(root).at(0).local_id).size(), 3u);
 }
 
 // Load, run, unload, and the same again in one process: the module really

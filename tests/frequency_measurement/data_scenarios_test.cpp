@@ -47,7 +47,7 @@ TEST_F(DataScenario, WindowsThatHoldAGapAreNaNAndIndicesStayAligned)
     run({.block_duration = 0.03, .process_interval = 0.07,
          .mode = zelvar_sim::ProcessMode::time_stamped});
 
-    const auto outputs = outputsOf(root);
+    const auto outputs = bench().outputsOf(root);
     ASSERT_EQ(outputs.size(), 2u);
     const auto whole = indexed(blocks(outputs[0].local_id));
     const auto holed = indexed(blocks(outputs[1].local_id));
@@ -82,7 +82,7 @@ TEST_F(DataScenario, EstimatesOutsideTheRangeAreNaNAndTheLimitsThemselvesStand)
     }
     addInput(1, "Tone", 10000.0, MemoryRecording::of(samples));
     const std::uint32_t root = createChannel({1});
-    const std::uint32_t output = outputsOf(root).at(0).local_id;
+    const std::uint32_t output = bench().outputsOf(root).at(0).local_id;
     edit(root, MIN_FREQUENCY, "0");
     run();
     const std::vector<double> free = acquisition().outputValues(output);
@@ -147,7 +147,7 @@ TEST_F(DataScenario, ResultsDoNotDependOnHowTheHostCutsTheData)
     addInput(3, "Int16", 10000.0, MemoryRecording::of(as_int16));
     const std::uint32_t root = createChannel({1, 2, 3});
     edit(root, OVERLAP, "75");
-    const auto outputs = outputsOf(root);
+    const auto outputs = bench().outputsOf(root);
     ASSERT_EQ(outputs.size(), 3u);
 
     using zelvar_sim::ProcessMode;

@@ -85,18 +85,6 @@ protected:
         return property ? property->getStringValue() : "(no status)";
     }
 
-    // The outputs under `root` in the host's tree, in tree order.
-    std::vector<zelvar_sim::HostChannel> outputsOf(std::uint32_t root)
-    {
-        std::vector<zelvar_sim::HostChannel> outputs;
-        for (const zelvar_sim::HostChannel& channel : model().channels().channels()) {
-            if (channel.parent == root) {
-                outputs.push_back(channel);
-            }
-        }
-        return outputs;
-    }
-
     // Whether the host holds a task that writes to `root`'s channels.
     bool taskRegistered(std::uint32_t root)
     {

@@ -44,7 +44,7 @@ TEST_F(WindowScenario, SettingsGiveWindowStepAndOutputRate)
         edit(root, LENGTH, c.length);
         edit(root, OVERLAP, c.overlap);
         EXPECT_EQ(status(root), "");
-        const auto outputs = outputsOf(root);
+        const auto outputs = bench().outputsOf(root);
         ASSERT_EQ(outputs.size(), 2u);
         for (const auto& output : outputs) {
             EXPECT_EQ(output.timebase.m_frequency, c.rate / static_cast<double>(c.step));
@@ -74,7 +74,7 @@ TEST_F(WindowScenario, FirstUsableInputSetsTheLimits)
     addInput(1, "Fast", 10000.0, zelvar_sim::MemoryRecording::of(tone(440.0, 10000.0, 100)));
     addInput(2, "Slow", 8000.0, zelvar_sim::MemoryRecording::of(tone(440.0, 8000.0, 100)));
     const std::uint32_t root = createChannel({});
-    EXPECT_TRUE(outputsOf(root).empty());
+    EXPECT_TRUE(bench().outputsOf(root).empty());
     EXPECT_EQ(shownScalar(root, MIN_FREQUENCY), 10.0);
     EXPECT_EQ(shownScalar(root, MAX_FREQUENCY), 1000.0);
 

@@ -24,50 +24,40 @@ const char* frequencyMeasurementPlugin()
 void SimScenario::SetUp()
 {
     m_log = std::make_unique<LogSink>(LogSink::Recording{});
-    m_host = makeHost();
-    m_host->setIdentity(hostName(), hostVersion());
-    m_model = std::make_unique<HostModel>(*m_host);
-    m_acquisition = std::make_unique<Acquisition>(*m_host);
-    // The task registry takes only outputs that the host's tree shows.
-    PluginChannelTree& tree = m_model->channels();
-    m_acquisition->setOutputCheck([&tree](std::uint64_t local_id) {
-        return local_id <= 0xFFFFFFFFu && tree.channel(static_cast<std::uint32_t>(local_id));
-    });
-    prepareHost(*m_host);
+    m_bench = std::make_unique<HostBench>(hostName(), hostVersion(), makeHost());
+    prepareHost(host());
 
     m_library = std::make_unique<PluginLibrary>(FREQUENCY_MEASUREMENT_PLUGIN);
     m_assertions = std::make_unique<AssertionHook>(*m_library);
     if (!m_assertions->observable()) {
         std::cerr << m_assertions->notice() << "\n";
     }
-    m_session = std::make_unique<PluginSession>(*m_library, *m_host);
-    m_model->attach(*m_session);
+    m_session = std::make_unique<PluginSession>(*m_library, host());
+    model().attach(*m_session);
 }
 
 void SimScenario::TearDown()
 {
-    if (m_model) {
-        m_model->detach();
+    if (m_bench) {
+        model().detach();
     }
     if (m_session) {
         m_session->finish();
     }
-    if (m_assertions && m_log && m_host) {
+    if (m_assertions && m_log && m_bench) {
         checkStrictness();
     }
-    if (HasFailure() && m_host && m_model) {
+    if (HasFailure() && m_bench) {
         printHostState();
     }
     m_session.reset();
     // The plug-in gets its default handler back before it leaves memory.
     m_assertions.reset();
     m_library.reset();
-    if (m_host) {
-        EXPECT_EQ(m_host->valuesOutsideTree(), 0) << "value objects still alive";
+    if (m_bench) {
+        EXPECT_EQ(host().valuesOutsideTree(), 0) << "value objects still alive";
     }
-    m_acquisition.reset();
-    m_model.reset();
-    m_host.reset();
+    m_bench.reset();
     m_log.reset();
 }
 
@@ -106,7 +96,7 @@ void SimScenario::checkStrictness()
                           << " at " << record.path << ":" << record.line;
         }
     }
-    for (const ProtocolFault& fault : m_host->faults()) {
+    for (const ProtocolFault& fault : host().faults()) {
         if (!declared(m_expected_faults, fault.message_id, fault.reason)) {
             ADD_FAILURE() << "protocol fault: " << messageName(fault.message_id) << ": "
                           << fault.reason << "\n  " << fault.telegram;
@@ -133,7 +123,7 @@ void SimScenario::checkStrictness()
 
 void SimScenario::printHostState()
 {
-    std::cout << "--- the simulated host at the end ---\n" << m_model->dump();
+    std::cout << "--- the simulated host at the end ---\n" << model().dump();
     if (m_assertions) {
         for (const AssertionRecord& record : m_assertions->records()) {
             std::cout << "assertion: " << record.expression << " at " << record.path << ":"
@@ -149,7 +139,7 @@ void SimScenario::printHostState()
         }
     }
     std::cout << "messages from the plug-in:\n";
-    for (const MessageRecord& message : m_host->messages()) {
+    for (const MessageRecord& message : host().messages()) {
         std::cout << "  " << messageName(message.id) << " key " << message.key << " answer "
                   << message.answer << "\n";
     }

@@ -22,6 +22,7 @@
 #include "sim_acquisition.h"
 #include "sim_assertion_hook.h"
 #include "sim_host.h"
+#include "sim_host_bench.h"
 #include "sim_host_model.h"
 #include "sim_log_sink.h"
 
@@ -47,9 +48,10 @@ protected:
     // The host object itself, for a test that needs one that misbehaves.
     virtual std::unique_ptr<SimHost> makeHost() { return std::make_unique<SimHost>(); }
 
-    SimHost& host() { return *m_host; }
-    HostModel& model() { return *m_model; }
-    Acquisition& acquisition() { return *m_acquisition; }
+    SimHost& host() { return m_bench->host(); }
+    HostModel& model() { return m_bench->model(); }
+    Acquisition& acquisition() { return m_bench->acquisition(); }
+    HostBench& bench() { return *m_bench; }
     PluginLibrary& library() { return *m_library; }
     PluginSession& session() { return *m_session; }
     const AssertionHook& assertions() const { return *m_assertions; }
@@ -73,9 +75,7 @@ private:
     void printHostState();
 
     std::unique_ptr<LogSink> m_log;
-    std::unique_ptr<SimHost> m_host;
-    std::unique_ptr<HostModel> m_model;
-    std::unique_ptr<Acquisition> m_acquisition;
+    std::unique_ptr<HostBench> m_bench;
     std::unique_ptr<PluginLibrary> m_library;
     std::unique_ptr<AssertionHook> m_assertions;
     std::unique_ptr<PluginSession> m_session;
