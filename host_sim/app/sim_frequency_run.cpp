@@ -4,6 +4,7 @@
 #include "zlrapi_property_values.h"
 
 #include <cstdlib>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 
@@ -54,7 +55,9 @@ std::string shownValue(const zlr::Property& property)
 FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
                                            const FrequencyRunRequest& request)
 {
-    HostBench bench;
+    auto host = std::make_unique<SimHost>();
+    host->limitMessageLog(request.kept_messages);
+    HostBench bench("Zelvar", "5.6", std::move(host));
     HostModel& model = bench.model();
     Acquisition& acquisition = bench.acquisition();
     std::uint64_t next_id = 1;

@@ -9,6 +9,7 @@
 #include "sim_output_capture.h"
 #include "sim_task_driver.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -26,6 +27,9 @@ struct FrequencyRunRequest {
     std::vector<DemoInput> inputs;
     std::vector<SettingEdit> edits;
     RunOptions run;
+    // How many of the plug-in's latest messages the host keeps: none by
+    // default, so that memory stays flat however long the recording.
+    std::size_t kept_messages = 0;
 };
 
 // One setting as the host shows it after the edits.

@@ -85,10 +85,19 @@ void SimHost::clearQueries()
     m_queries.clear();
 }
 
+void SimHost::limitMessageLog(std::size_t most_recent)
+{
+    std::lock_guard lock(m_mutex);
+    m_message_log_limit = most_recent;
+    while (m_messages.size() > m_message_log_limit) {
+        m_messages.pop_front();
+    }
+}
+
 std::vector<MessageRecord> SimHost::messages() const
 {
     std::lock_guard lock(m_mutex);
-    return m_messages;
+    return {m_messages.begin(), m_messages.end()};
 }
 
 std::vector<MessageRecord> SimHost::messagesWithId(std::uint32_t id) const
@@ -139,9 +148,15 @@ std::uint64_t SimHost::deliver(MessageRecord record, zlr::IfValue** result)
             }
         }
     }
+    const std::uint64_t answer = record.answer;
     std::lock_guard lock(m_mutex);
-    m_messages.push_back(record);
-    return record.answer;
+    if (m_message_log_limit > 0) {
+        if (m_messages.size() == m_message_log_limit) {
+            m_messages.pop_front();
+        }
+        m_messages.push_back(std::move(record));
+    }
+    return answer;
 }
 
 std::uint64_t SimHost::messageSync(std::uint32_t id, std::uint64_t key, zlr::IfValue* value,

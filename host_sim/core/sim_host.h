@@ -9,8 +9,11 @@
 #include "sim_value_tree.h"
 #include "zlrbase_host.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -77,6 +80,12 @@ public:
     std::vector<ValueQuery> queries() const;
     void clearQueries();
 
+    // The message log keeps the latest `most_recent` messages of the
+    // plug-in; a run over a long recording keeps none, since every sample
+    // block it writes would stay in memory. Tests keep them all (the default).
+    static constexpr std::size_t KEEP_EVERY_MESSAGE = std::numeric_limits<std::size_t>::max();
+    void limitMessageLog(std::size_t most_recent);
+
     std::vector<MessageRecord> messages() const;
     std::vector<MessageRecord> messagesWithId(std::uint32_t id) const;
     void clearMessages();
@@ -97,7 +106,8 @@ private:
     ValueLedger m_ledger;
     ValueTree m_tree{m_ledger};
     mutable std::mutex m_mutex;
-    std::vector<MessageRecord> m_messages;
+    std::deque<MessageRecord> m_messages;
+    std::size_t m_message_log_limit = KEEP_EVERY_MESSAGE;
     std::map<std::uint32_t, Responder> m_responders;
     std::vector<std::shared_ptr<HostService>> m_services;
     std::vector<ProtocolFault> m_faults;
