@@ -9,7 +9,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libfftw3-dev
   libsndfile1-dev libcli11-dev gnuplot-nox
   clang-14 libclang-rt-14-dev
-  binutils
+  binutils python3-numpy
 )
 
 missing=()
