@@ -57,6 +57,7 @@ FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
 {
     auto host = std::make_unique<SimHost>();
     host->limitMessageLog(request.kept_messages);
+    host->setObserver(request.observer);
     HostBench bench("Zelvar", "5.6", std::move(host));
     HostModel& model = bench.model();
     Acquisition& acquisition = bench.acquisition();

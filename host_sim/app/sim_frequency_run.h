@@ -30,6 +30,8 @@ struct FrequencyRunRequest {
     // How many of the plug-in's latest messages the host keeps: none by
     // default, so that memory stays flat however long the recording.
     std::size_t kept_messages = 0;
+    // Hears every message between host and plug-in, from PLUGIN_INIT on.
+    MessageObserver observer;
 };
 
 // One setting as the host shows it after the edits.

@@ -7,6 +7,7 @@
 #include "sim_frequency_run.h"
 #include "sim_frequency_series.h"
 #include "sim_frequency_table.h"
+#include "sim_message_trace.h"
 #include "sim_recording_file.h"
 #include "sim_run_printing.h"
 
@@ -15,6 +16,8 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <fstream>
+#include <optional>
 #include <iostream>
 #include <stdexcept>
 
@@ -221,6 +224,9 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
                     "write the CSV table to FILE, '-' for standard output (default: a readable "
                     "table and a summary per input)");
     run->add_option("--plot", options.plot, "draw the frequencies with gnuplot into FILE.png or FILE.svg");
+    run->add_option("--trace", options.trace,
+                    "write every message between host and plug-in to FILE, one a line: "
+                    "direction, name and number, key, answer, value");
     run->add_flag("-q,--quiet", options.quiet, "print nothing but errors");
     run->add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
     return run;
@@ -233,8 +239,21 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
         const std::vector<Session> sessions = openSessions(options);
         std::vector<FrequencySeries> series;
         std::string title;
+        std::ofstream trace_file;
+        std::optional<MessageTrace> trace;
+        if (!options.trace.empty()) {
+            trace_file.open(options.trace);
+            if (!trace_file) {
+                throw FileError(options.trace + ": cannot be written");
+            }
+            trace.emplace(trace_file);
+        }
         for (const Session& session : sessions) {
             FrequencyRunRequest request;
+            if (trace) {
+                trace_file << "# " << session.file << "\n";
+                request.observer = [&trace](const ObservedMessage& message) { trace->observe(message); };
+            }
             request.inputs = session.inputs;
             request.edits = settingEdits(options);
             request.run.block_duration = options.block_duration;

@@ -25,6 +25,7 @@ struct RunCommandOptions {
     double block_duration = 0.01;        // s
     std::string output;                  // "-": standard output
     std::string plot;                    // ".png" or ".svg"
+    std::string trace;                   // every message of the run, one a line
     bool quiet = false;
 };
 

@@ -127,7 +127,7 @@ PluginSession::PluginSession(PluginLibrary& library, SimHost& host, SessionOptio
     m_plugin->setPluginHost(&host);
 
     zlr::IfValue* result = nullptr;
-    m_init.code = m_plugin->pluginMessage(zlr::PLUGIN_INIT, 0, nullptr, &result);
+    m_init.code = deliver(zlr::PLUGIN_INIT, 0, nullptr, &result);
     if (result) {
         if (result->getType() == zlr::VALUE_TYPE_ERROR) {
             auto* error = static_cast<ErrorValue*>(result);
@@ -149,7 +149,24 @@ PluginSession::~PluginSession()
 std::uint64_t PluginSession::send(std::uint32_t id, std::uint64_t key, zlr::IfValue* value,
                                   zlr::IfValue** result)
 {
-    return m_plugin->pluginMessage(id, key, value, result);
+    return deliver(id, key, value, result);
+}
+
+std::uint64_t PluginSession::deliver(std::uint32_t id, std::uint64_t key, zlr::IfValue* value,
+                                     zlr::IfValue** result)
+{
+    if (!m_host.observed()) {
+        return m_plugin->pluginMessage(id, key, value, result);
+    }
+    MessageRecord record;
+    record.id = id;
+    record.key = key;
+    record.wants_result = result != nullptr;
+    describeValue(value, record);
+    const SimHost::CallStamp stamp = m_host.beginCall();
+    record.answer = m_plugin->pluginMessage(id, key, value, result);
+    m_host.endCall(stamp, MessageDirection::host_to_plugin, record, result ? *result : nullptr);
+    return record.answer;
 }
 
 std::uint64_t PluginSession::finish()
@@ -157,7 +174,7 @@ std::uint64_t PluginSession::finish()
     if (!m_plugin) {
         return zlr::RESULT_OK;
     }
-    const std::uint64_t code = m_plugin->pluginMessage(zlr::PLUGIN_FINISH, 0, nullptr, nullptr);
+    const std::uint64_t code = deliver(zlr::PLUGIN_FINISH, 0, nullptr, nullptr);
     m_library.deleteFunction()(&HOST_INTERFACE_ID, m_plugin);
     m_plugin = nullptr;
     return code;

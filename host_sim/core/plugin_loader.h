@@ -112,6 +112,11 @@ public:
     std::uint64_t finish();
 
 private:
+    // Every message of the host goes out here, so that the host's observer
+    // hears it.
+    std::uint64_t deliver(std::uint32_t id, std::uint64_t key, zlr::IfValue* value,
+                          zlr::IfValue** result);
+
     PluginLibrary& m_library;
     SimHost& m_host;
     zlr::IfPlugin* m_plugin = nullptr;

@@ -5,10 +5,11 @@
 #include "zlrapi_utils.h"
 #include "zlrbase_messages.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 namespace zelvar_sim {
-namespace {
 
 void describeValue(zlr::IfValue* value, MessageRecord& record)
 {
@@ -16,14 +17,37 @@ void describeValue(zlr::IfValue* value, MessageRecord& record)
         return;
     }
     record.value_type = value->getType();
-    if (record.value_type == zlr::VALUE_TYPE_UINT64) {
+    switch (record.value_type) {
+    case zlr::VALUE_TYPE_UINT64:
         record.number = static_cast<UInt64Value*>(value)->value();
-    } else {
+        break;
+    case zlr::VALUE_TYPE_BOOLEAN:
+        record.number = static_cast<zlr::IfBooleanValue*>(value)->get() ? 1 : 0;
+        break;
+    case zlr::VALUE_TYPE_SCALAR: {
+        auto* scalar = static_cast<zlr::IfScalarValue*>(value);
+        const char* unit = scalar->getUnit();
+        char number[32];
+        const auto written = std::to_chars(number, number + sizeof number, scalar->getValue());
+        record.text = std::string(number, written.ptr) + (unit && *unit ? " " : "") +
+                      (unit ? unit : "");
+        break;
+    }
+    case zlr::VALUE_TYPE_ERROR: {
+        auto* error = static_cast<ErrorValue*>(value);
+        const char* text = error->getText();
+        record.number = error->code();
+        record.text = text ? text : "";
+        break;
+    }
+    case zlr::VALUE_TYPE_DATA_BLOCK_LIST:
+        record.number = static_cast<std::uint64_t>(
+            std::max(0, static_cast<zlr::IfDataBlockList*>(value)->getBlockCount()));
+        break;
+    default:
         record.text = valueText(value);
     }
 }
-
-} // namespace
 
 SimHost::SimHost() = default;
 
@@ -94,6 +118,29 @@ void SimHost::limitMessageLog(std::size_t most_recent)
     }
 }
 
+void SimHost::setObserver(MessageObserver observer)
+{
+    m_observer = std::move(observer);
+}
+
+SimHost::CallStamp SimHost::beginCall()
+{
+    return CallStamp{++m_calls_begun, m_open_calls++};
+}
+
+void SimHost::endCall(const CallStamp& stamp, MessageDirection direction,
+                      const MessageRecord& message, zlr::IfValue* result)
+{
+    --m_open_calls;
+    if (!m_observer) {
+        return;
+    }
+    MessageRecord result_record;
+    describeValue(result, result_record);
+    m_observer(ObservedMessage{direction, stamp.sequence, stamp.depth, &message,
+                               result ? &result_record : nullptr});
+}
+
 std::vector<MessageRecord> SimHost::messages() const
 {
     std::lock_guard lock(m_mutex);
@@ -125,6 +172,7 @@ zlr::IfValue* SimHost::createValue(std::uint32_t type)
 
 std::uint64_t SimHost::deliver(MessageRecord record, zlr::IfValue** result)
 {
+    const CallStamp stamp = beginCall();
     Responder responder;
     {
         std::lock_guard lock(m_mutex);
@@ -148,6 +196,7 @@ std::uint64_t SimHost::deliver(MessageRecord record, zlr::IfValue** result)
             }
         }
     }
+    endCall(stamp, MessageDirection::plugin_to_host, record, result ? *result : nullptr);
     const std::uint64_t answer = record.answer;
     std::lock_guard lock(m_mutex);
     if (m_message_log_limit > 0) {

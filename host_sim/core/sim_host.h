@@ -86,6 +86,22 @@ public:
     static constexpr std::size_t KEEP_EVERY_MESSAGE = std::numeric_limits<std::size_t>::max();
     void limitMessageLog(std::size_t most_recent);
 
+    // Hears every message of both directions as it ends: the plug-in's, and
+    // the host's that go through PluginSession. Set it before the session
+    // starts to hear PLUGIN_INIT; messages reach it one at a time.
+    void setObserver(MessageObserver observer);
+    bool observed() const { return static_cast<bool>(m_observer); }
+
+    // For the sending side of the host: numbers a call as it begins, and
+    // tells the observer of it, with its result object, once it has ended.
+    struct CallStamp {
+        std::uint64_t sequence = 0;
+        unsigned depth = 0;
+    };
+    CallStamp beginCall();
+    void endCall(const CallStamp& stamp, MessageDirection direction, const MessageRecord& message,
+                 zlr::IfValue* result);
+
     std::vector<MessageRecord> messages() const;
     std::vector<MessageRecord> messagesWithId(std::uint32_t id) const;
     void clearMessages();
@@ -112,7 +128,14 @@ private:
     std::vector<std::shared_ptr<HostService>> m_services;
     std::vector<ProtocolFault> m_faults;
     std::vector<ValueQuery> m_queries;
+    MessageObserver m_observer;
+    std::uint64_t m_calls_begun = 0;
+    unsigned m_open_calls = 0;
 };
+
+// Copies what `value` carries into `record`: its type, and its text, number,
+// flag or block count; nothing for a null value.
+void describeValue(zlr::IfValue* value, MessageRecord& record);
 
 // The name of a message number of either direction, for printing
 // ("HOST_ADD_TASK", "PLUGIN_INIT", ...), or its

@@ -1,7 +1,9 @@
-// One message as the simulated host received it from the plug-in.
+// One message as the simulated host received it from the plug-in, and
+// what an observer of the whole conversation hears of each message.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,5 +22,20 @@ struct MessageRecord {
     bool wants_result = false;        // a result address was given
     std::uint64_t answer = 0;
 };
+
+enum class MessageDirection { host_to_plugin, plugin_to_host };
+
+// One message of either direction once it has been answered. A message sent
+// while another is open (the plug-in's data request inside a process step)
+// ends first, so `sequence` tells the order in which the calls began.
+struct ObservedMessage {
+    MessageDirection direction = MessageDirection::host_to_plugin;
+    std::uint64_t sequence = 0; // from 1, in the order the calls began
+    unsigned depth = 0;         // calls still open around this one
+    const MessageRecord* message = nullptr; // the call, its value and its answer
+    const MessageRecord* result = nullptr;  // what the result object held; null: none came back
+};
+
+using MessageObserver = std::function<void(const ObservedMessage&)>;
 
 } // namespace zelvar_sim

@@ -97,6 +97,35 @@ TEST(RunCommand, WavAndCsvOfOneToneGiveOneTable)
     EXPECT_GT(gap_windows, 0u);
 }
 
+// The trace reads as the conversation: numbered lines from PLUGIN_INIT to
+// PLUGIN_FINISH, each with its answer, and the sample blocks written carry
+// exactly the table's values.
+TEST(RunCommand, TraceShowsTheConversationInOrder)
+{
+    const fs::path dir = folderWithTone();
+    ASSERT_EQ(runSim(dir, "tone.wav --trace trace.txt -o table.csv"), 0);
+    std::istringstream trace(readText(dir / "trace.txt"));
+    const std::vector<std::string> order = {"PLUGIN_INIT ", "PLUGIN_SOFTWARE_CHANNEL_CREATE ",
+                                            "PLUGIN_TASK_PROCESS ", "HOST_WRITE_SAMPLES ",
+                                            "PLUGIN_FINISH "};
+    std::size_t next = 0, sequence = 0, written_values = 0;
+    std::string line;
+    while (std::getline(trace, line)) {
+        if (line.rfind("# ", 0) == 0) {
+            continue;
+        }
+        EXPECT_EQ(std::stoul(line), ++sequence) << line;
+        EXPECT_NE(line.find("  answer 0  "), std::string::npos) << line;
+        next += next < order.size() && line.find(order[next]) != std::string::npos;
+        if (const auto bytes = line.find("HOST_WRITE_SAMPLES (0x3000602)  key 1  answer 0  bytes[");
+            bytes != std::string::npos) {
+            written_values += (std::stoul(line.substr(line.find('[', bytes) + 1)) - 8) / 8;
+        }
+    }
+    EXPECT_EQ(next, order.size());
+    EXPECT_EQ(written_values, frequencies(readText(dir / "table.csv")).size());
+}
+
 TEST(RunCommand, BadInputIsOneLineAndWritesNothing)
 {
     const fs::path dir = folderWithTone();
