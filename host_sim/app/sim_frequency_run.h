@@ -7,6 +7,7 @@
 #include "plugin_loader.h"
 #include "sim_demo_recording.h"
 #include "sim_output_capture.h"
+#include "sim_saved_settings.h"
 #include "sim_task_driver.h"
 
 #include <cstddef>
@@ -32,6 +33,10 @@ struct FrequencyRunRequest {
     std::size_t kept_messages = 0;
     // Hears every message between host and plug-in, from PLUGIN_INIT on.
     MessageObserver observer;
+    // Settings saved before: the channel is restored from them (its inputs
+    // mapped onto these inputs in order) instead of being created, and the
+    // edits follow.
+    std::optional<SavedSettings> restore;
 };
 
 // One setting as the host shows it after the edits.
@@ -60,10 +65,12 @@ struct FrequencyRunResult {
     RunReport report;
     std::vector<ProtocolFault> faults;
     std::int64_t values_left = 0; // host values the plug-in still held at the end
+    std::string saved_configuration; // what the host saves of the channel after the run
 };
 
 // Runs the whole dialogue in a fresh host of its own; the library stays
-// loaded. Throws std::runtime_error when the channel cannot be created, and
+// loaded. Throws std::runtime_error when the channel cannot be created or
+// restored, and
 // std::invalid_argument for an edit whose text does not fit the setting.
 FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
                                            const FrequencyRunRequest& request);

@@ -227,6 +227,12 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
     run->add_option("--trace", options.trace,
                     "write every message between host and plug-in to FILE, one a line: "
                     "direction, name and number, key, answer, value");
+    run->add_option("--save-config", options.save_config,
+                    "after the run, write the channel's settings as the host saves them to FILE "
+                    "(with several inputs: those of the first)");
+    run->add_option("--load-config", options.load_config,
+                    "restore the channel from a file written by --save-config before the run, its "
+                    "inputs mapped onto this run's in order; the setting options apply after it");
     run->add_flag("-q,--quiet", options.quiet, "print nothing but errors");
     run->add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
     return run;
@@ -236,7 +242,12 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
                   std::ostream& err)
 {
     try {
+        std::optional<SavedSettings> loaded;
+        if (!options.load_config.empty()) {
+            loaded = readSavedSettings(options.load_config);
+        }
         const std::vector<Session> sessions = openSessions(options);
+        std::string saved_configuration;
         std::vector<FrequencySeries> series;
         std::string title;
         std::ofstream trace_file;
@@ -258,6 +269,7 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
             request.edits = settingEdits(options);
             request.run.block_duration = options.block_duration;
             request.run.mode = ProcessMode::time_stamped;
+            request.restore = loaded;
             const FrequencyRunResult result = runFrequencyMeasurement(library, request);
             if (session.reader && !session.reader->fault().empty()) {
                 throw FileError(session.reader->fault());
@@ -268,6 +280,9 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
                 printFrequencyRun(out, request, result);
             }
             title = plotTitle(options, result);
+            if (saved_configuration.empty()) {
+                saved_configuration = result.saved_configuration;
+            }
             for (FrequencySeries& one : seriesOf(session, result)) {
                 series.push_back(std::move(one));
             }
@@ -279,6 +294,9 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
         }
         if (!options.plot.empty()) {
             plotFrequencies({options.plot, title, series});
+        }
+        if (!options.save_config.empty()) {
+            writeSavedSettings(options.save_config, saved_configuration);
         }
         if (!options.quiet && options.output != "-") {
             std::vector<FrequencySummary> summaries;
@@ -296,6 +314,9 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
         return 2;
     } catch (const Refused& refused) {
         err << "zelvar-sim: " << refused.text << "\n";
+        return 3;
+    } catch (const std::runtime_error& error) {
+        err << "zelvar-sim: " << error.what() << "\n";
         return 3;
     }
 }

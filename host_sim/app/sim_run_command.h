@@ -26,6 +26,8 @@ struct RunCommandOptions {
     std::string output;                  // "-": standard output
     std::string plot;                    // ".png" or ".svg"
     std::string trace;                   // every message of the run, one a line
+    std::string save_config;             // the channel's saved record after the run
+    std::string load_config;             // a saved record to restore before the run
     bool quiet = false;
 };
 

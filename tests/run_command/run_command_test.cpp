@@ -126,6 +126,25 @@ TEST(RunCommand, TraceShowsTheConversationInOrder)
     EXPECT_EQ(written_values, frequencies(readText(dir / "table.csv")).size());
 }
 
+// Settings kept in a file come back whole: a run that loads them without
+// options gives the edited run's table, not the default one (the minimum
+// above the tone makes every value NaN, and the step differs).
+TEST(RunCommand, SavedSettingsLoadIntoTheNextRun)
+{
+    const fs::path dir = folderWithTone();
+    ASSERT_EQ(runSim(dir, "tone.wav --window-length 0.1 --overlap 25 --min-frequency 450 "
+                          "--max-frequency 3000 --save-config rig.xml -o edited.csv"), 0);
+    ASSERT_EQ(runSim(dir, "tone.wav --load-config rig.xml -o loaded.csv"), 0);
+    ASSERT_EQ(runSim(dir, "tone.wav -o default.csv"), 0);
+    const std::string edited = readText(dir / "edited.csv");
+    EXPECT_EQ(readText(dir / "loaded.csv"), edited);
+    EXPECT_NE(readText(dir / "default.csv"), edited);
+    EXPECT_NE(edited.find("tone,10,0.75125,nan\n"), std::string::npos) << edited;
+    std::ofstream(dir / "not_settings.xml") << "<Channels/>";
+    EXPECT_EQ(runSim(dir, "tone.wav --load-config not_settings.xml"), 2);
+    EXPECT_NE(readText(dir / "stderr.txt").find("not_settings.xml"), std::string::npos);
+}
+
 TEST(RunCommand, BadInputIsOneLineAndWritesNothing)
 {
     const fs::path dir = folderWithTone();
