@@ -29,9 +29,7 @@ std::shared_ptr<const Recording> toneRecording(std::mt19937_64& random)
     return MemoryRecording::of(samples);
 }
 
-} // namespace
-
-ChannelBench::ChannelBench(PluginLibrary& library, std::uint64_t seed)
+std::vector<BenchInput> toneInputs(std::uint64_t seed)
 {
     std::mt19937_64 random(seed);
     std::vector<BenchInput> inputs;
@@ -39,40 +37,39 @@ ChannelBench::ChannelBench(PluginLibrary& library, std::uint64_t seed)
         inputs.push_back({{.id = id, .long_name = "Tone " + std::to_string(id), .sample_rate = SAMPLE_RATE},
                           toneRecording(random)});
     }
-    start(library, inputs);
+    return inputs;
+}
+
+} // namespace
+
+ChannelBench::ChannelBench(PluginLibrary& library, std::uint64_t seed)
+    : ChannelBench(library, toneInputs(seed))
+{
 }
 
 ChannelBench::ChannelBench(PluginLibrary& library, const std::vector<BenchInput>& inputs)
+    : m_bench("Zelvar", library.manifestInfo().minimum_host_version)
 {
-    start(library, inputs);
-}
-
-void ChannelBench::start(PluginLibrary& library, const std::vector<BenchInput>& inputs)
-{
-    m_host.setIdentity("Zelvar", library.manifestInfo().minimum_host_version);
-    m_acquisition.setOutputCheck(
-        [this](std::uint32_t local_id) { return m_model.channels().channel(local_id).has_value(); });
     for (const BenchInput& input : inputs) {
-        m_acquisition.addInputChannel(input.setup, input.recording);
-        m_candidates.push_back({static_cast<std::uint32_t>(input.setup.id), synchronousScalar()});
+        m_bench.addInput(input.setup, input.recording);
     }
-    m_session = std::make_unique<PluginSession>(library, m_host);
-    m_model.attach(*m_session);
+    m_session = std::make_unique<PluginSession>(library, host());
+    model().attach(*m_session);
     CheckContext::require(m_session->initOutcome().code == zlr::RESULT_OK,
                           "PLUGIN_INIT answers " + std::to_string(m_session->initOutcome().code));
-    if (m_model.softwareChannels().registered().empty()) {
+    if (model().softwareChannels().registered().empty()) {
         throw CheckSkipped("the plug-in registers no software channel");
     }
 }
 
 ChannelBench::~ChannelBench()
 {
-    m_model.detach();
+    model().detach();
 }
 
 std::uint32_t ChannelBench::createChannel()
 {
-    const CreateOutcome created = m_model.createSoftwareChannel(m_candidates);
+    const CreateOutcome created = m_bench.createChannel();
     CheckContext::require(created.response && !created.response->m_created_channels.empty(),
                           "PLUGIN_SOFTWARE_CHANNEL_CREATE over synchronous inputs made no "
                           "channel (answer " + std::to_string(created.code) + ")");
@@ -82,10 +79,8 @@ std::uint32_t ChannelBench::createChannel()
 std::vector<OutputRun> ChannelBench::outputs(std::uint32_t root) const
 {
     std::vector<OutputRun> runs;
-    for (const HostChannel& channel : m_model.channels().channels()) {
-        if (channel.parent == root) {
-            runs.push_back({channel.default_name, m_acquisition.outputBlocks(channel.local_id)});
-        }
+    for (const HostChannel& channel : m_bench.outputsOf(root)) {
+        runs.push_back({channel.default_name, m_bench.acquisition().outputBlocks(channel.local_id)});
     }
     return runs;
 }
@@ -93,7 +88,7 @@ std::vector<OutputRun> ChannelBench::outputs(std::uint32_t root) const
 std::string ChannelBench::settingsText(std::uint32_t root) const
 {
     std::string text;
-    const auto channel = m_model.channels().channel(root);
+    const auto channel = m_bench.model().channels().channel(root);
     if (!channel) {
         return text;
     }
@@ -109,10 +104,10 @@ std::string ChannelBench::settingsText(std::uint32_t root) const
 
 void ChannelBench::finish()
 {
-    m_model.detach();
+    model().detach();
     m_session->finish();
-    CheckContext::require(m_host.valuesOutsideTree() == 0,
-                          std::to_string(m_host.valuesOutsideTree()) +
+    CheckContext::require(host().valuesOutsideTree() == 0,
+                          std::to_string(host().valuesOutsideTree()) +
                               " host value objects still alive after the plug-in was deleted");
 }
 

@@ -1,12 +1,13 @@
-// A host around one plug-in object for the checks that need channels: the
-// configuration model, the acquisition side with two recorded inputs whose
-// tones come from the check's seed, and the session, all in one place.
+// The host bench around one plug-in object for the checks that need
+// channels, with the session: by default two recorded inputs whose tones
+// come from the check's seed, or the inputs a check brings.
 #pragma once
 
 #include "plugin_loader.h"
 #include "sim_acquisition.h"
 #include "sim_check_context.h"
 #include "sim_host.h"
+#include "sim_host_bench.h"
 #include "sim_host_model.h"
 
 #include <cstdint>
@@ -37,9 +38,9 @@ public:
     ChannelBench(PluginLibrary& library, const std::vector<BenchInput>& inputs);
     ~ChannelBench();
 
-    SimHost& host() { return m_host; }
-    HostModel& model() { return m_model; }
-    Acquisition& acquisition() { return m_acquisition; }
+    SimHost& host() { return m_bench.host(); }
+    HostModel& model() { return m_bench.model(); }
+    Acquisition& acquisition() { return m_bench.acquisition(); }
     PluginSession& session() { return *m_session; }
 
     // A channel over every input; answers its root's local id, or fails the
@@ -56,12 +57,7 @@ public:
     void finish();
 
 private:
-    void start(PluginLibrary& library, const std::vector<BenchInput>& inputs);
-
-    SimHost m_host;
-    HostModel m_model{m_host};
-    Acquisition m_acquisition{m_host};
-    std::vector<zlr::InputChannelFormat> m_candidates;
+    HostBench m_bench;
     std::unique_ptr<PluginSession> m_session;
 };
 

@@ -3,6 +3,8 @@
 // save, clear and restore; and runs over data: the same bits from two
 // channels, from a rerun, and after the module was unloaded and loaded again.
 #include "sim_channel_bench.h"
+#include "sim_config_telegrams.h"
+#include "sim_values.h"
 #include "sim_validate_checks.h"
 #include "zlrapi_property_values.h"
 #include "zlrbase_messages.h"
@@ -141,6 +143,59 @@ std::optional<double> numberOf(const zlr::Property& property)
     return std::nullopt;
 }
 
+// The UpdateConfig telegram of `setting` whose number reads `text`; empty
+// when the number cannot be told apart in the written telegram.
+std::string telegramWithText(std::uint32_t root, const zlr::Property& setting, const std::string& text)
+{
+    constexpr double MARKER = 271828.125;
+    const auto marked = withNumber(setting, MARKER);
+    if (!marked) {
+        return {};
+    }
+    std::string telegram = writeUpdateConfig(root, *marked);
+    const std::string printed = "271828.125";
+    const std::size_t at = telegram.find(printed);
+    if (at == std::string::npos || telegram.find(printed, at + 1) != std::string::npos) {
+        return {};
+    }
+    return telegram.replace(at, printed.size(), text);
+}
+
+// Texts where the setting's number belongs: the plug-in answers a result
+// code, keeps the setting, and holds either what it had or a number within
+// the setting's limits.
+void editWithTexts(CheckContext& context, ChannelBench& bench, std::uint32_t root,
+                   const HostProperty& setting)
+{
+    const std::string name = setting.value.getName();
+    const auto limits = rangeOf(setting.constraints);
+    for (const char* text : {"abc", "", "1e999", "-1e999", "nan", ",5", "5 Hz", "0x1p3", " 7",
+                             "1,5", "--1", "1e", "\xC3\xA4"}) {
+        const std::string telegram = telegramWithText(root, setting.value, text);
+        if (telegram.empty()) {
+            return;
+        }
+        const auto before = bench.model().channels().property(root, name);
+        context.trace("PLUGIN_CONFIG_UPDATE " + name + " = \"" + text + "\"");
+        XmlValue* value = new XmlValue(bench.host().ledger(), telegram);
+        const std::uint64_t answer = bench.session().send(zlr::PLUGIN_CONFIG_UPDATE, 0, value);
+        value->release();
+        requireCode(answer, "PLUGIN_CONFIG_UPDATE of " + name + " to \"" + text + "\"");
+        const auto shown = bench.model().channels().property(root, name);
+        CheckContext::require(shown.has_value(),
+                              "the setting " + name + " is gone after the text \"" + text + "\"");
+        const auto now = numberOf(shown->value);
+        const auto was = before ? numberOf(before->value) : std::nullopt;
+        const bool unchanged = now && was && (*now == *was || (std::isnan(*now) && std::isnan(*was)));
+        const bool within = now && limits && *now >= limits->first && *now <= limits->second;
+        // As with the number NaN above, the text "nan" may be taken.
+        const bool nan_asked = now && std::isnan(*now) && std::string(text) == "nan";
+        CheckContext::require(!now || unchanged || within || nan_asked || !limits,
+                              "the setting " + name + " took " + std::to_string(*now) +
+                                  " from the text \"" + text + "\", beyond its limits");
+    }
+}
+
 void checkSettings(CheckContext& context)
 {
     PluginLibrary library(context.pluginPath());
@@ -181,12 +236,18 @@ void checkSettings(CheckContext& context)
         }
     }
     // The round trip is asked of settings a person could have made: each
-    // numeric setting goes back to what the channel started with.
+    // numeric setting goes back to what the channel started with, and from
+    // there gets texts that are no numbers.
     for (const HostProperty& setting : channel->properties) {
         if (numberOf(setting.value)) {
-            context.trace("PLUGIN_CONFIG_UPDATE " + setting.value.getName() + " back to its start");
-            requireCode(bench.model().sendConfigUpdate(root, setting.value),
-                        "PLUGIN_CONFIG_UPDATE of " + setting.value.getName());
+            for (int pass = 0; pass < 2; ++pass) {
+                context.trace("PLUGIN_CONFIG_UPDATE " + setting.value.getName() + " back to its start");
+                requireCode(bench.model().sendConfigUpdate(root, setting.value),
+                            "PLUGIN_CONFIG_UPDATE of " + setting.value.getName());
+                if (pass == 0) {
+                    editWithTexts(context, bench, root, setting);
+                }
+            }
         }
     }
     context.trace("save, clear, restore after " + std::to_string(numeric) + " edits");
@@ -269,7 +330,8 @@ std::vector<Check> channelChecks()
          "task messages out of order, a restore onto a running task, channels removed in a run",
          checkOutOfOrder},
         {"settings", 2,
-         "each numeric setting at, inside and beyond its limits and NaN, then save, clear, restore",
+         "each numeric setting at, inside and beyond its limits, NaN and texts that are no "
+         "numbers, then save, clear, restore",
          checkSettings},
         {"determinism", 3, "two channels on the same data and a rerun give the same bits",
          checkDeterminism},

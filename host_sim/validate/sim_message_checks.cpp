@@ -4,11 +4,13 @@
 // must answer each with a code, crash on none, and give back every value.
 #include "plugin_loader.h"
 #include "sim_channel_bench.h"
+#include "sim_host_model.h"
 #include "sim_validate_checks.h"
 #include "sim_values.h"
 #include "zlrbase_messages.h"
 
 #include <functional>
+#include <pugixml.hpp>
 
 namespace zelvar_sim::validate {
 namespace {
@@ -163,6 +165,60 @@ void checkHostileMessagesToChannel(CheckContext& context)
     bench.finish();
 }
 
+// Fails the check on the first telegram of the plug-in that the host could
+// not read, saying whether it is not XML at all or not the telegram asked for.
+void requireReadableTelegrams(const SimHost& host)
+{
+    const std::vector<ProtocolFault> faults = host.faults();
+    if (faults.empty()) {
+        return;
+    }
+    const ProtocolFault& fault = faults.front();
+    std::string reason = messageName(fault.message_id) + ": " + fault.reason;
+    pugi::xml_document document;
+    const pugi::xml_parse_result parsed = document.load_string(fault.telegram.c_str());
+    if (!fault.telegram.empty() && !parsed) {
+        reason = messageName(fault.message_id) + ": the plug-in's telegram is no well-formed XML (" +
+                 parsed.description() + " at offset " + std::to_string(parsed.offset) + ")";
+    }
+    const std::string shown = fault.telegram.substr(0, 120);
+    throw CheckFailed(reason + (shown.empty() ? "" : ": " + shown));
+}
+
+// The messages a plug-in answers with a telegram, asked as a host asks them,
+// beside what it sends on its own at start and finish.
+void checkTelegrams(CheckContext& context)
+{
+    PluginLibrary library(context.pluginPath());
+    SimHost host;
+    host.setIdentity("Zelvar", library.manifestInfo().minimum_host_version);
+    HostModel model(host);
+    {
+        PluginSession session(library, host);
+        model.attach(session);
+        requireReadableTelegrams(host);
+        context.trace("PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION over one synchronous input");
+        const QueryActionOutcome query = model.queryAction({{1, synchronousScalar()}});
+        CheckContext::require(isResultCode(query.code),
+                              "PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION answers " +
+                                  std::to_string(query.code) + ", which is no result code of the contract");
+        requireReadableTelegrams(host);
+        // Only a plug-in with a software channel owes this answer.
+        if (!model.softwareChannels().registered().empty()) {
+            context.trace("PLUGIN_SOFTWARE_CHANNEL_HAS_INSTANCES");
+            model.hasInstances();
+            requireReadableTelegrams(host);
+        }
+        context.trace("PLUGIN_FINISH");
+        model.detach();
+        session.finish();
+    }
+    requireReadableTelegrams(host);
+    CheckContext::require(host.valuesOutsideTree() == 0,
+                          std::to_string(host.valuesOutsideTree()) +
+                              " host value objects still alive after the plug-in was deleted");
+}
+
 } // namespace
 
 std::vector<Check> messageChecks()
@@ -172,6 +228,10 @@ std::vector<Check> messageChecks()
          "every message with no value, wrong types, empty, malformed and oversized telegrams and "
          "unknown keys: an answer code each, no crash, every value given back",
          checkHostileMessages},
+        {"telegrams", 1,
+         "what the plug-in sends and answers with is well-formed XML and reads as the telegram "
+         "the host expects",
+         checkTelegrams},
         {"hostile-messages-to-channel", 2,
          "the same with a channel and its task alive, their keys among the unknown ones",
          checkHostileMessagesToChannel},

@@ -5,7 +5,7 @@ namespace zelvar_sim::validate {
 std::vector<Check> allChecks()
 {
     std::vector<Check> checks = entryPointChecks();
-    for (auto* more : {&messageChecks, &channelChecks}) {
+    for (auto* more : {&messageChecks, &channelChecks, &dataChecks}) {
         for (Check& check : more()) {
             checks.push_back(std::move(check));
         }

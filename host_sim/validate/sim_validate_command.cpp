@@ -17,6 +17,9 @@ std::string replayCommand(const ValidateRequest& request, const std::string& nam
     std::ostringstream text;
     text << "zelvar-sim validate " << request.plugin_path << " --only " << name << " --seed "
          << seed;
+    if (request.options.long_run_seconds != CheckOptions{}.long_run_seconds) {
+        text << " --long-run " << request.options.long_run_seconds;
+    }
     return text.str();
 }
 
@@ -55,8 +58,11 @@ int runValidate(std::ostream& out, const ValidateRequest& request)
                 ++skipped;
                 continue;
             }
+            const double time_limit =
+                request.time_limit_seconds +
+                (check.long_running ? request.options.long_run_seconds / 10.0 : 0.0);
             const CheckResult result =
-                runIsolated(check, request.plugin_path, seed, request.time_limit_seconds, request.options);
+                runIsolated(check, request.plugin_path, seed, time_limit, request.options);
             switch (result.verdict) {
             case Verdict::pass:
                 out << "PASS " << check.name << "\n";

@@ -58,7 +58,7 @@ public:
     void setPluginHost(zlr::IfHost* host) override { m_host = host; }
 
     std::uint64_t pluginMessage(std::uint64_t id, std::uint64_t, zlr::IfValue*,
-                                zlr::IfValue**) override
+                                [[maybe_unused]] zlr::IfValue** result) override
     {
         if (id == zlr::PLUGIN_INIT) {
             std::string text;
@@ -75,6 +75,13 @@ public:
 #elif defined(BROKEN_LEAK)
         if (id == zlr::PLUGIN_SOFTWARE_CHANNEL_HAS_INSTANCES) {
             m_host->createValue(zlr::IfBooleanValue::TYPE_CODE); // never released
+        }
+#elif defined(BROKEN_MALFORMED_XML)
+        if (id == zlr::PLUGIN_SOFTWARE_CHANNEL_QUERY_ACTION && result) {
+            auto* answer = static_cast<zlr::IfXmlValue*>(m_host->createValue(zlr::IfXmlValue::TYPE_CODE));
+            answer->set("<QuerySoftwareChannelActionResponse valid=\"true\"><Channels>");
+            *result = answer;
+            return zlr::RESULT_OK;
         }
 #elif defined(BROKEN_HANG)
         if (id == zlr::PLUGIN_EVENT) {

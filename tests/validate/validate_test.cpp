@@ -31,14 +31,16 @@ std::string pluginPath(const ValidateCase& test)
 TEST(Validate, EachFaultFailsItsCheckAndTheRestStillRun)
 {
     const ValidateCase cases[] = {
-        {"", "", "", "", 11, 0, 0},
-        {"validate_broken_good.plugin", "", "", "", 6, 0, 5},
-        {"validate_broken_extra_export.plugin", "--strictness 1", "exports", "zvPluginHelper", 5, 1, 5},
+        {"", "--long-run 20", "", "", 18, 0, 0},
+        {"validate_broken_good.plugin", "", "", "", 7, 0, 11},
+        {"validate_broken_extra_export.plugin", "--strictness 1", "exports", "zvPluginHelper", 6, 1, 11},
         {"validate_broken_crash.plugin", "--strictness 1", "hostile-messages",
-         "died of (signal 11|ERROR: AddressSanitizer: SEGV|runtime error: store to null pointer)", 5, 1, 5},
-        {"validate_broken_leak.plugin", "--strictness 1", "hostile-messages", "still alive", 5, 1, 5},
+         "died of (signal 11|ERROR: AddressSanitizer: SEGV|runtime error: store to null pointer)", 6, 1, 11},
+        {"validate_broken_leak.plugin", "--strictness 1", "hostile-messages", "still alive", 6, 1, 11},
         {"validate_broken_hang.plugin", "--strictness 1 --time-limit 3", "hostile-messages",
-         "plug-in hangs", 5, 1, 5},
+         "plug-in hangs", 6, 1, 11},
+        {"validate_broken_malformed_xml.plugin", "--strictness 1", "telegrams",
+         "QUERY_ACTION: the plug-in's telegram is no well-formed XML", 6, 1, 11},
     };
     for (const ValidateCase& test : cases) {
         SCOPED_TRACE(test.plugin);
