@@ -8,6 +8,9 @@
 #include "sim_frequency_series.h"
 #include "sim_frequency_table.h"
 #include "sim_message_trace.h"
+#include "sim_run_jobs.h"
+#include "sim_run_progress.h"
+#include "sim_session_outcome.h"
 #include "sim_recording_file.h"
 #include "sim_run_printing.h"
 
@@ -18,6 +21,7 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <sstream>
 #include <iostream>
 #include <stdexcept>
 
@@ -31,7 +35,18 @@ struct Session {
     std::string file;
     std::vector<DemoInput> inputs;
     std::shared_ptr<const SharedFrameReader> reader;
+    double duration = 0.0;           // s, of the longest input
+    double samples_per_second = 0.0; // of all inputs together
 };
+
+void measure(Session& session)
+{
+    for (const DemoInput& input : session.inputs) {
+        session.samples_per_second += input.sample_rate;
+        session.duration = std::max(session.duration, static_cast<double>(input.recording->length()) /
+                                                          input.sample_rate);
+    }
+}
 
 // A run that the plug-in would not do as configured.
 struct Refused {
@@ -80,6 +95,7 @@ std::vector<Session> openSessions(const RunCommandOptions& options)
         for (DemoInput& input : session.inputs) {
             input.sample_rate = options.sample_rate.value_or(input.sample_rate);
         }
+        measure(session);
         sessions.push_back(std::move(session));
         return sessions;
     }
@@ -100,6 +116,7 @@ std::vector<Session> openSessions(const RunCommandOptions& options)
             session.inputs.push_back(
                 {input.long_name, file.sample_rate, asDoubles(input.recording), file.format});
         }
+        measure(session);
         sessions.push_back(std::move(session));
     }
     return sessions;
@@ -193,6 +210,95 @@ std::string plotTitle(const RunCommandOptions& options, const FrequencyRunResult
     return (options.inputs.size() == 1 ? options.inputs.front() + ": " : std::string()) + title;
 }
 
+MessageObserver traceObserver(std::ostream* trace, const std::string& file)
+{
+    if (!trace) {
+        return {};
+    }
+    *trace << "# " << file << "\n";
+    auto writer = std::make_shared<MessageTrace>(*trace);
+    return [writer](const ObservedMessage& message) { writer->observe(message); };
+}
+
+SessionOutcome failedSession(int status, std::string error)
+{
+    SessionOutcome outcome;
+    outcome.status = status;
+    outcome.error = std::move(error);
+    return outcome;
+}
+
+// One file in a host session of its own; a failure becomes the outcome's
+// status and line instead of an exception, so that a child can hand it on.
+SessionOutcome runSession(PluginLibrary& library, const RunCommandOptions& options,
+                          const Session& session, const std::optional<SavedSettings>& loaded,
+                          MessageObserver observer)
+{
+    SessionOutcome outcome;
+    try {
+        FrequencyRunRequest request;
+        request.inputs = session.inputs;
+        request.edits = settingEdits(options);
+        request.run.block_duration = options.block_duration;
+        request.run.mode = ProcessMode::time_stamped;
+        request.restore = loaded;
+        request.observer = std::move(observer);
+        const FrequencyRunResult result = runFrequencyMeasurement(library, request);
+        if (session.reader && !session.reader->fault().empty()) {
+            throw FileError(session.reader->fault());
+        }
+        checkAccepted(result);
+        if (options.output.empty() && !options.quiet) {
+            std::ostringstream printed;
+            printed << "file: " << session.file << "\n";
+            printFrequencyRun(printed, request, result);
+            outcome.printed = printed.str();
+        }
+        outcome.title = plotTitle(options, result);
+        outcome.saved_configuration = result.saved_configuration;
+        outcome.series = seriesOf(session, result);
+    } catch (const FileError& error) {
+        outcome = failedSession(2, error.what());
+    } catch (const std::invalid_argument& error) {
+        outcome = failedSession(2, error.what());
+    } catch (const Refused& refused) {
+        outcome = failedSession(3, refused.text);
+    } catch (const std::exception& error) {
+        outcome = failedSession(3, error.what());
+    }
+    return outcome;
+}
+
+// What all sessions gave, in their order: the printed parts, the table, the
+// plot, the saved settings of the first, the summaries.
+void finishRun(const RunCommandOptions& options, const std::vector<SessionOutcome>& outcomes,
+               std::ostream& out)
+{
+    std::vector<FrequencySeries> series;
+    for (const SessionOutcome& outcome : outcomes) {
+        out << outcome.printed;
+        series.insert(series.end(), outcome.series.begin(), outcome.series.end());
+    }
+    if (options.output == "-") {
+        writeFrequencyTable(out, series);
+    } else if (!options.output.empty()) {
+        writeTableWhole(options.output, series);
+    }
+    if (!options.plot.empty()) {
+        plotFrequencies({options.plot, outcomes.back().title, series});
+    }
+    if (!options.save_config.empty()) {
+        writeSavedSettings(options.save_config, outcomes.front().saved_configuration);
+    }
+    if (!options.quiet && options.output != "-") {
+        std::vector<FrequencySummary> summaries;
+        for (const FrequencySeries& one : series) {
+            summaries.push_back(summarise(one));
+        }
+        printSummaries(out, summaries);
+    }
+}
+
 } // namespace
 
 CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& plugin_path)
@@ -233,6 +339,10 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
     run->add_option("--load-config", options.load_config,
                     "restore the channel from a file written by --save-config before the run, its "
                     "inputs mapped onto this run's in order; the setting options apply after it");
+    run->add_option("-j,--jobs", options.jobs,
+                    "with several INPUT files, run this many host sessions side by side in child "
+                    "processes (default: the number of processors)")
+        ->capture_default_str();
     run->add_flag("-q,--quiet", options.quiet, "print nothing but errors");
     run->add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
     return run;
@@ -246,65 +356,92 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
         if (!options.load_config.empty()) {
             loaded = readSavedSettings(options.load_config);
         }
+        if (options.jobs == 0) {
+            throw FileError("--jobs: at least 1");
+        }
         const std::vector<Session> sessions = openSessions(options);
-        std::string saved_configuration;
-        std::vector<FrequencySeries> series;
-        std::string title;
         std::ofstream trace_file;
-        std::optional<MessageTrace> trace;
         if (!options.trace.empty()) {
             trace_file.open(options.trace);
             if (!trace_file) {
                 throw FileError(options.trace + ": cannot be written");
             }
-            trace.emplace(trace_file);
         }
+
+        ProgressBoard board(sessions.size());
+        std::uint64_t total_samples = 0;
         for (const Session& session : sessions) {
-            FrequencyRunRequest request;
-            if (trace) {
-                trace_file << "# " << session.file << "\n";
-                request.observer = [&trace](const ObservedMessage& message) { trace->observe(message); };
+            total_samples += static_cast<std::uint64_t>(session.duration * session.samples_per_second);
+        }
+        std::optional<ProgressLine> progress;
+        if (!options.quiet && isatty(STDERR_FILENO)) {
+            progress.emplace(board, total_samples);
+        }
+        const auto runOne = [&](std::size_t k, std::ostream* trace) {
+            MessageObserver observer = board.observerFor(k, sessions[k].samples_per_second,
+                                                         sessions[k].duration,
+                                                         traceObserver(trace, sessions[k].file));
+            if (progress) {
+                observer = [observer, &progress](const ObservedMessage& message) {
+                    observer(message);
+                    progress->update();
+                };
             }
-            request.inputs = session.inputs;
-            request.edits = settingEdits(options);
-            request.run.block_duration = options.block_duration;
-            request.run.mode = ProcessMode::time_stamped;
-            request.restore = loaded;
-            const FrequencyRunResult result = runFrequencyMeasurement(library, request);
-            if (session.reader && !session.reader->fault().empty()) {
-                throw FileError(session.reader->fault());
+            return runSession(library, options, sessions[k], loaded, observer);
+        };
+
+        std::vector<SessionOutcome> outcomes;
+        if (options.jobs > 1 && sessions.size() > 1) {
+            const ScratchFolder scratch;
+            std::vector<std::string> names;
+            for (const Session& session : sessions) {
+                names.push_back(session.file);
             }
-            checkAccepted(result);
-            if (options.output.empty() && !options.quiet) {
-                out << "file: " << session.file << "\n";
-                printFrequencyRun(out, request, result);
+            outcomes = runInChildren(
+                names, options.jobs, scratch,
+                [&](std::size_t k) {
+                    std::ofstream part;
+                    if (trace_file.is_open()) {
+                        part.open(scratch.file("trace" + std::to_string(k)));
+                    }
+                    SessionOutcome outcome = runOne(k, part.is_open() ? &part : nullptr);
+                    if (part.is_open() && !part.flush()) {
+                        throw FileError(options.trace + ": cannot be written");
+                    }
+                    return outcome;
+                },
+                [&progress] {
+                    if (progress) {
+                        progress->update();
+                    }
+                });
+            for (std::size_t k = 0; k < sessions.size() && trace_file.is_open(); ++k) {
+                std::ifstream part(scratch.file("trace" + std::to_string(k)));
+                if (part.peek() != std::char_traits<char>::eof()) {
+                    trace_file << part.rdbuf();
+                }
             }
-            title = plotTitle(options, result);
-            if (saved_configuration.empty()) {
-                saved_configuration = result.saved_configuration;
-            }
-            for (FrequencySeries& one : seriesOf(session, result)) {
-                series.push_back(std::move(one));
+        } else {
+            for (std::size_t k = 0; k < sessions.size(); ++k) {
+                outcomes.push_back(runOne(k, trace_file.is_open() ? &trace_file : nullptr));
+                if (outcomes.back().status != 0) {
+                    break;
+                }
             }
         }
-        if (options.output == "-") {
-            writeFrequencyTable(out, series);
-        } else if (!options.output.empty()) {
-            writeTableWhole(options.output, series);
+        if (progress) {
+            progress->clear();
         }
-        if (!options.plot.empty()) {
-            plotFrequencies({options.plot, title, series});
+        if (trace_file.is_open() && !trace_file.flush()) {
+            throw FileError(options.trace + ": cannot be written");
         }
-        if (!options.save_config.empty()) {
-            writeSavedSettings(options.save_config, saved_configuration);
-        }
-        if (!options.quiet && options.output != "-") {
-            std::vector<FrequencySummary> summaries;
-            for (const FrequencySeries& one : series) {
-                summaries.push_back(summarise(one));
+        for (const SessionOutcome& outcome : outcomes) {
+            if (outcome.status != 0) {
+                err << "zelvar-sim: " << outcome.error << "\n";
+                return outcome.status;
             }
-            printSummaries(out, summaries);
         }
+        finishRun(options, outcomes, out);
         return 0;
     } catch (const FileError& error) {
         err << "zelvar-sim: " << error.what() << "\n";
@@ -312,12 +449,6 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
     } catch (const std::invalid_argument& error) {
         err << "zelvar-sim: " << error.what() << "\n";
         return 2;
-    } catch (const Refused& refused) {
-        err << "zelvar-sim: " << refused.text << "\n";
-        return 3;
-    } catch (const std::runtime_error& error) {
-        err << "zelvar-sim: " << error.what() << "\n";
-        return 3;
     }
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "plugin_loader.h"
+#include "sim_run_jobs.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,6 +29,7 @@ struct RunCommandOptions {
     std::string trace;                   // every message of the run, one a line
     std::string save_config;             // the channel's saved record after the run
     std::string load_config;             // a saved record to restore before the run
+    unsigned jobs = processorCount();   // host sessions side by side
     bool quiet = false;
 };
 

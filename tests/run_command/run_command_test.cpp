@@ -145,6 +145,24 @@ TEST(RunCommand, SavedSettingsLoadIntoTheNextRun)
     EXPECT_NE(readText(dir / "stderr.txt").find("not_settings.xml"), std::string::npos);
 }
 
+// Files run side by side in child processes give the table of one after
+// the other, in the order given; a failing file ends the run as alone.
+TEST(RunCommand, JobsGiveTheTableOfOneAfterTheOther)
+{
+    const fs::path dir = folderWithTone();
+    fs::copy_file(dir / "tone.wav", dir / "again.wav", fs::copy_options::overwrite_existing);
+    const std::string files = "tone.csv tone.wav again.wav --sample-rate 8000 --channels 0 ";
+    ASSERT_EQ(runSim(dir, files + "--jobs 1 -o one.csv"), 0);
+    ASSERT_EQ(runSim(dir, files + "--jobs 2 -o two.csv"), 0);
+    const std::string table = readText(dir / "one.csv");
+    EXPECT_EQ(readText(dir / "two.csv"), table);
+    EXPECT_LT(table.find("\ntone.csv,tone,"), table.find("\ntone.wav,tone_2,"));
+    EXPECT_LT(table.find("\ntone.wav,tone_2,"), table.find("\nagain.wav,again,"));
+    EXPECT_EQ(runSim(dir, "tone.wav again.wav --jobs 2 --max-frequency 4500 -o refused.csv"), 3);
+    EXPECT_EQ(readText(dir / "stderr.txt").find("zelvar-sim: setting not taken"), 0u);
+    EXPECT_FALSE(fs::exists(dir / "refused.csv"));
+}
+
 TEST(RunCommand, BadInputIsOneLineAndWritesNothing)
 {
     const fs::path dir = folderWithTone();
