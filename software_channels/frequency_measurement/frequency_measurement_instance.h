@@ -87,6 +87,9 @@ private:
     void processChannel(ChannelContext& ch_context, zlr::framework::StreamIterator& samples,
                         const zlr::framework::ProcessContext& context, double min_frequency,
                         double max_frequency, std::vector<double>& results);
+    // Samples that a window of `window_size` can take before it reaches the
+    // next size at which it estimates or slides; at least 1.
+    std::uint64_t samplesToNextEvent(std::uint64_t window_size) const;
     // Window size and step for inputs at `sample_rate`; limits on first use.
     void deriveWindow(double sample_rate, double window_length);
     // One output per input proxy, found again by key; outputs of inputs no

@@ -105,6 +105,19 @@ void FrequencyMeasurementInstance::process(zlr::framework::ProcessContext& conte
     }
 }
 
+std::uint64_t FrequencyMeasurementInstance::samplesToNextEvent(std::uint64_t window_size) const
+{
+    if (window_size < m_window_size) {
+        return m_window_size - window_size;
+    }
+    if (m_window_step > m_window_size && window_size < m_window_step) {
+        return m_window_step - window_size;
+    }
+    // A window already past its size (the settings changed under a run)
+    // goes one sample at a time, as every size is an event then.
+    return 1;
+}
+
 void FrequencyMeasurementInstance::processChannel(ChannelContext& ch_context,
                                                   zlr::framework::StreamIterator& samples,
                                                   const zlr::framework::ProcessContext& context,
@@ -128,11 +141,13 @@ void FrequencyMeasurementInstance::processChannel(ChannelContext& ch_context,
         if (!samples.valid()) {
             break;
         }
+        // Samples go over in runs up to the next size at which the window
+        // estimates or slides, so that the checks below see every such size.
         // A gap reads as NaN and still counts as a sample, so that indices
         // stay aligned with time.
-        window.push_back(samples.value<double>());
-        ++samples;
-        ++start_sample;
+        const std::uint64_t wanted = std::min(samplesToNextEvent(window.size()),
+                                              end_sample - start_sample);
+        start_sample += samples.appendValues(window, wanted);
 
         const std::uint64_t current_window_size = window.size();
         if (current_window_size < m_window_size) {

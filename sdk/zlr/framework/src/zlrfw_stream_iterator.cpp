@@ -70,17 +70,32 @@ void StreamIterator::setSkipGaps(bool skip_gaps)
     }
 }
 
-StreamIterator& StreamIterator::operator++()
+StreamIterator& StreamIterator::stepInvalid()
 {
     ZLR_ASSERT(valid());
-    if (!valid() || m_range_index >= static_cast<std::int32_t>(m_ranges.size())) {
-        return *this;
-    }
-    m_current.step();
-    if (m_current == m_ranges[static_cast<std::size_t>(m_range_index)].end) {
-        nextRange();
-    }
     return *this;
+}
+
+std::uint64_t StreamIterator::plainRunLength(std::uint64_t value_bytes) const
+{
+    if (m_range_index < 0 || m_range_index >= static_cast<std::int32_t>(m_ranges.size()) ||
+        m_current.m_timestamp_pointer || m_current.m_sample_size_pointer) {
+        return 0;
+    }
+    const SamplePosition& end = m_ranges[static_cast<std::size_t>(m_range_index)].end;
+    if (!m_current.m_data) {
+        // A gap steps its tick alone, and meets its end by tick.
+        const std::uint64_t end_tick = end.tick();
+        return end_tick > m_current.m_timestamp ? end_tick - m_current.m_timestamp : 0;
+    }
+    // Records that ++ would step over one by one until it meets the end's
+    // pointer; an end it would never meet is left to ++ as well.
+    if (m_current.m_stride != value_bytes || m_current.m_sample_size != 0 || !end.m_data ||
+        end.m_data <= m_current.m_data) {
+        return 0;
+    }
+    const auto bytes = static_cast<std::uint64_t>(end.m_data - m_current.m_data);
+    return bytes % value_bytes == 0 ? bytes / value_bytes : 0;
 }
 
 void StreamIterator::nextRange()
