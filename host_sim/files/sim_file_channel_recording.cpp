@@ -10,12 +10,8 @@ FileChannelRecording::FileChannelRecording(std::shared_ptr<SharedFrameReader> re
 {
 }
 
-bool FileChannelRecording::read(std::uint64_t first, std::uint64_t count,
-                                unsigned char* out) const
+bool FileChannelRecording::holds(std::uint64_t first, std::uint64_t count) const
 {
-    if (count == 0) {
-        return true;
-    }
     const auto after = std::upper_bound(
         m_spans.begin(), m_spans.end(), first,
         [](std::uint64_t index, const SampleSpan& span) { return index < span.begin; });
@@ -23,10 +19,25 @@ bool FileChannelRecording::read(std::uint64_t first, std::uint64_t count,
         return false;
     }
     const SampleSpan& span = *(after - 1);
-    if (first >= span.end || count > span.end - first) {
-        return false;
+    return first < span.end && count <= span.end - first;
+}
+
+bool FileChannelRecording::read(std::uint64_t first, std::uint64_t count,
+                                unsigned char* out) const
+{
+    if (count == 0) {
+        return true;
     }
-    return m_reader->copyChannel(m_channel, first, count, out);
+    return holds(first, count) && m_reader->copyChannel(m_channel, first, count, out);
+}
+
+bool FileChannelRecording::readAsDoubles(std::uint64_t first, std::uint64_t count,
+                                         unsigned char* out) const
+{
+    if (count == 0) {
+        return true;
+    }
+    return holds(first, count) && m_reader->copyChannelAsDoubles(m_channel, first, count, out);
 }
 
 } // namespace zelvar_sim

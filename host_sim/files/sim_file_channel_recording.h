@@ -23,11 +23,16 @@ public:
     std::uint64_t length() const override { return m_reader->source().frames(); }
     std::vector<SampleSpan> dataSpans() const override { return m_spans; }
     bool read(std::uint64_t first, std::uint64_t count, unsigned char* out) const override;
+    bool readAsDoubles(std::uint64_t first, std::uint64_t count,
+                       unsigned char* out) const override;
 
     std::size_t channel() const { return m_channel; }
     const SharedFrameReader& reader() const { return *m_reader; }
 
 private:
+    // Whether [first, first + count) lies inside one span of samples.
+    bool holds(std::uint64_t first, std::uint64_t count) const;
+
     std::shared_ptr<SharedFrameReader> m_reader;
     std::size_t m_channel;
     std::vector<SampleSpan> m_spans;

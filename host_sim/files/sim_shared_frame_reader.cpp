@@ -6,6 +6,28 @@
 #include <cstring>
 
 namespace zelvar_sim {
+namespace {
+
+// Every `frame_bytes`-th sample of type From from `from` on, `count` of
+// them, converted to To and packed to `out`; answers the end of what was
+// written. The types are fixed at compile time, so that the copy is a plain
+// load, convert and store.
+template <typename From, typename To>
+unsigned char* pickChannel(const unsigned char* from, std::size_t frame_bytes,
+                           std::uint64_t count, unsigned char* out)
+{
+    for (std::uint64_t i = 0; i < count; ++i) {
+        From value;
+        std::memcpy(&value, from, sizeof value);
+        const To converted = static_cast<To>(value);
+        std::memcpy(out, &converted, sizeof converted);
+        out += sizeof converted;
+        from += frame_bytes;
+    }
+    return out;
+}
+
+} // namespace
 
 SharedFrameReader::SharedFrameReader(std::unique_ptr<FrameSource> source,
                                      ReadAheadOptions options)
@@ -26,15 +48,15 @@ void SharedFrameReader::fill(std::uint64_t first)
     m_buffered_count = count;
 }
 
-bool SharedFrameReader::copyChannel(std::size_t channel, std::uint64_t first,
-                                    std::uint64_t count, unsigned char* out)
+template <typename Pick>
+bool SharedFrameReader::walkFrames(std::size_t channel, std::uint64_t first, std::uint64_t count,
+                                   Pick pick)
 {
     std::lock_guard lock(m_mutex);
     const std::uint64_t frames = m_source->frames();
     if (channel >= m_source->channels() || first > frames || count > frames - first) {
         return false;
     }
-    const std::size_t width = sampleBytes(m_source->encoding());
     const auto* buffer = reinterpret_cast<const unsigned char*>(m_buffer.data());
     while (count > 0) {
         if (first < m_buffered_first || first >= m_buffered_first + m_buffered_count) {
@@ -49,16 +71,57 @@ bool SharedFrameReader::copyChannel(std::size_t channel, std::uint64_t first,
         }
         const std::uint64_t available =
             std::min(count, m_buffered_first + m_buffered_count - first);
-        const unsigned char* frame = buffer + (first - m_buffered_first) * m_frame_bytes;
-        for (std::uint64_t i = 0; i < available; ++i) {
-            std::memcpy(out, frame + channel * width, width);
-            out += width;
-            frame += m_frame_bytes;
-        }
+        pick(buffer + (first - m_buffered_first) * m_frame_bytes, available);
         first += available;
         count -= available;
     }
     return true;
+}
+
+bool SharedFrameReader::copyChannel(std::size_t channel, std::uint64_t first,
+                                    std::uint64_t count, unsigned char* out)
+{
+    const std::size_t width = sampleBytes(m_source->encoding());
+    const std::size_t frame_bytes = m_frame_bytes;
+    return walkFrames(channel, first, count, [&](const unsigned char* frame, std::uint64_t frames) {
+        const unsigned char* from = frame + channel * width;
+        switch (width) {
+        case 2:
+            out = pickChannel<std::uint16_t, std::uint16_t>(from, frame_bytes, frames, out);
+            break;
+        case 4:
+            out = pickChannel<std::uint32_t, std::uint32_t>(from, frame_bytes, frames, out);
+            break;
+        default:
+            out = pickChannel<std::uint64_t, std::uint64_t>(from, frame_bytes, frames, out);
+            break;
+        }
+    });
+}
+
+bool SharedFrameReader::copyChannelAsDoubles(std::size_t channel, std::uint64_t first,
+                                             std::uint64_t count, unsigned char* out)
+{
+    const SampleEncoding encoding = m_source->encoding();
+    const std::size_t from_channel = channel * sampleBytes(encoding);
+    const std::size_t frame_bytes = m_frame_bytes;
+    return walkFrames(channel, first, count, [&](const unsigned char* frame, std::uint64_t frames) {
+        const unsigned char* from = frame + from_channel;
+        switch (encoding) {
+        case SampleEncoding::int16:
+            out = pickChannel<std::int16_t, double>(from, frame_bytes, frames, out);
+            break;
+        case SampleEncoding::int32:
+            out = pickChannel<std::int32_t, double>(from, frame_bytes, frames, out);
+            break;
+        case SampleEncoding::float32:
+            out = pickChannel<float, double>(from, frame_bytes, frames, out);
+            break;
+        case SampleEncoding::float64:
+            out = pickChannel<double, double>(from, frame_bytes, frames, out);
+            break;
+        }
+    });
 }
 
 std::string SharedFrameReader::fault() const

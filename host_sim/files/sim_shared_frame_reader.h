@@ -32,6 +32,10 @@ public:
     bool copyChannel(std::size_t channel, std::uint64_t first, std::uint64_t count,
                      unsigned char* out);
 
+    // The same samples widened to doubles as they are copied, 8 bytes each.
+    bool copyChannelAsDoubles(std::size_t channel, std::uint64_t first, std::uint64_t count,
+                              unsigned char* out);
+
     // The first read failure, empty while there was none. The host takes a
     // failed read as a missing run, so the command asks here afterwards.
     std::string fault() const;
@@ -41,6 +45,10 @@ public:
 
 private:
     void fill(std::uint64_t first);
+    // Hands the buffered frames of [first, first + count) to `pick` in
+    // runs, reading ahead as needed: pick(first frame, frames).
+    template <typename Pick>
+    bool walkFrames(std::size_t channel, std::uint64_t first, std::uint64_t count, Pick pick);
 
     std::unique_ptr<FrameSource> m_source;
     std::size_t m_frame_bytes;

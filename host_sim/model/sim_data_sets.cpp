@@ -44,6 +44,33 @@ std::vector<SampleSpan> gapsWithin(const std::vector<SampleSpan>& data, SampleSp
     return gaps;
 }
 
+// Appends the records of `count` samples from `first` on to a block's bytes;
+// false, with the bytes as they were, when the recording does not read.
+// Plain values are read straight into the block; records with more than
+// the value go through `values`.
+bool appendRun(const zlr::ChannelDescriptor& layout, const Recording& recording,
+               std::uint64_t first, std::uint64_t count, std::vector<unsigned char>& values,
+               std::vector<unsigned char>& bytes)
+{
+    const std::size_t width = sampleBytes(recording.encoding());
+    if (shapeOf(layout) == RecordShape::synchronous && layout.m_stride == layout.m_size &&
+        layout.m_size == width * 8) {
+        const std::size_t at = bytes.size();
+        bytes.resize(at + count * width);
+        if (!recording.read(first, count, bytes.data() + at)) {
+            bytes.resize(at);
+            return false;
+        }
+        return true;
+    }
+    values.resize(count * width);
+    if (!recording.read(first, count, values.data())) {
+        return false;
+    }
+    appendRecords(layout, first, count, values.data(), bytes);
+    return true;
+}
+
 std::string keyText(std::uint64_t key)
 {
     return "data set " + std::to_string(key);
@@ -219,6 +246,18 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                 block = {};
                 description.m_channels.clear();
             };
+            // Room for every channel's plain values, so that the block is
+            // not moved as it grows.
+            std::size_t expected = 0;
+            for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
+                if (const InputChannelEntry* channel = m_inputs->find(layout.m_channel_id)) {
+                    const SampleSpan window =
+                        samplesOf(*channel, grid.boundary(k), grid.boundary(k + 1));
+                    const std::uint64_t end = std::min(window.end, channel->recording->length());
+                    expected += (end > window.begin ? end - window.begin : 0) * (layout.m_stride / 8);
+                }
+            }
+            block.bytes.reserve(expected);
             for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
                 const InputChannelEntry* channel = m_inputs->find(layout.m_channel_id);
                 if (!channel) {
@@ -243,11 +282,10 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                     run.m_duration = duration;
                     run.m_first_sample_index = piece.begin;
                     run.m_count = piece.end - piece.begin;
-                    values.resize(run.m_count * sampleBytes(recording.encoding()));
-                    if (!recording.read(piece.begin, run.m_count, values.data())) {
+                    if (!appendRun(layout, recording, piece.begin, run.m_count, values,
+                                   block.bytes)) {
                         continue;
                     }
-                    appendRecords(layout, piece.begin, run.m_count, values.data(), block.bytes);
                     description.m_channels.push_back(run);
                     // A variable-size run ends where its block ends: one run a block.
                     if (alone && p + 1 < pieces.size()) {

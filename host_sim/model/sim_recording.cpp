@@ -1,6 +1,7 @@
 #include "sim_recording.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace zelvar_sim {
 
@@ -31,6 +32,57 @@ const char* encodingName(SampleEncoding encoding)
         return "int32";
     }
     return "unknown";
+}
+
+namespace {
+
+template <typename T>
+void widen(std::uint64_t count, const unsigned char* narrow, unsigned char* wide)
+{
+    for (std::uint64_t i = 0; i < count; ++i) {
+        T value;
+        std::memcpy(&value, narrow + i * sizeof(T), sizeof(T));
+        const double widened = static_cast<double>(value);
+        std::memcpy(wide + i * sizeof(double), &widened, sizeof(double));
+    }
+}
+
+} // namespace
+
+void widenToDoubles(SampleEncoding encoding, std::uint64_t count, const unsigned char* narrow,
+                    unsigned char* wide)
+{
+    switch (encoding) {
+    case SampleEncoding::float64:
+        std::memcpy(wide, narrow, count * sizeof(double));
+        break;
+    case SampleEncoding::float32:
+        widen<float>(count, narrow, wide);
+        break;
+    case SampleEncoding::int16:
+        widen<std::int16_t>(count, narrow, wide);
+        break;
+    case SampleEncoding::int32:
+        widen<std::int32_t>(count, narrow, wide);
+        break;
+    }
+}
+
+bool Recording::readAsDoubles(std::uint64_t first, std::uint64_t count, unsigned char* out) const
+{
+    const SampleEncoding stored = encoding();
+    if (stored == SampleEncoding::float64) {
+        return read(first, count, out);
+    }
+    // The narrow samples land beside the output, in one buffer per thread
+    // kept from call to call.
+    thread_local std::vector<unsigned char> narrow;
+    narrow.resize(count * sampleBytes(stored));
+    if (!read(first, count, narrow.data())) {
+        return false;
+    }
+    widenToDoubles(stored, count, narrow.data(), out);
+    return true;
 }
 
 std::vector<SampleSpan> clipSpans(const std::vector<SampleSpan>& spans, SampleSpan window)

@@ -65,7 +65,18 @@ public:
     // recording's encoding (sampleBytes() each). False, with nothing
     // promised of `out`, when the range leaves the timeline or touches a gap.
     virtual bool read(std::uint64_t first, std::uint64_t count, unsigned char* out) const = 0;
+
+    // The same samples widened to doubles, value for value (every encoding
+    // the host stores is held exactly by a double), 8 bytes each. A
+    // recording that can widen as it copies overrides it, to spare a pass.
+    virtual bool readAsDoubles(std::uint64_t first, std::uint64_t count,
+                               unsigned char* out) const;
 };
+
+// `count` samples of `encoding` at `narrow` to doubles at `wide`; the two
+// do not overlap.
+void widenToDoubles(SampleEncoding encoding, std::uint64_t count, const unsigned char* narrow,
+                    unsigned char* wide);
 
 // A recording held in memory: one value for every index of the timeline,
 // and the gaps whose values are never handed out.

@@ -1,20 +1,36 @@
 #include "sim_data_set_writers.h"
 
 #include "xpugixml.h"
+#include "zlrapi_xml_builder.h"
 
 #include <pugixml.hpp>
 
+#include <sstream>
 #include <utility>
 
 namespace zelvar_sim {
 namespace {
 
-void appendRegion(pugi::xml_node parent, const zlr::DataRegion& region)
+void appendRegion(zlr::XmlBuilderElement& parent, const zlr::DataRegion& region)
 {
-    pugi::xml_node element = parent.append_child("DataRegion");
-    element.append_attribute("channel_id") = region.m_channel_id;
-    element.append_attribute("begin") = region.m_begin;
-    element.append_attribute("end") = region.m_end;
+    parent.child("DataRegion", {zlr::XmlAttribute("channel_id", region.m_channel_id),
+                                zlr::XmlAttribute("begin", region.m_begin),
+                                zlr::XmlAttribute("end", region.m_end)});
+}
+
+// The telegrams that go out with every step and every block are streamed by
+// XmlBuilder rather than built as documents; the text is the same. Each
+// thread keeps its stream, since making one costs more than a block's text.
+template <typename Build>
+std::string streamed(Build build)
+{
+    thread_local std::ostringstream out;
+    out.str(std::string());
+    out.clear();
+    zlr::XmlBuilder builder(out);
+    build(builder);
+    builder.flush();
+    return out.str();
 }
 
 } // namespace
@@ -54,74 +70,71 @@ std::string writeStreamDescriptors(const zlr::StreamDescriptors& descriptors)
 
 std::string writeDataBlockList(const zlr::DataBlockList& list)
 {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child("DataBlockList");
-    root.append_attribute("block_count") = list.m_block_count;
-    if (!list.m_intervals.empty()) {
-        pugi::xml_node intervals = root.append_child("Intervals");
-        for (const zlr::DataInterval& interval : list.m_intervals) {
-            pugi::xml_node element = intervals.append_child("Interval");
-            element.append_attribute("begin") = interval.m_begin;
-            element.append_attribute("end") = interval.m_end;
+    return streamed([&](zlr::XmlBuilder& builder) {
+        zlr::XmlBuilderElement root =
+            builder.child("DataBlockList", {zlr::XmlAttribute("block_count", list.m_block_count)});
+        if (!list.m_intervals.empty()) {
+            zlr::XmlBuilderElement intervals = root.child("Intervals");
+            for (const zlr::DataInterval& interval : list.m_intervals) {
+                intervals.child("Interval", {zlr::XmlAttribute("begin", interval.m_begin),
+                                             zlr::XmlAttribute("end", interval.m_end)});
+            }
         }
-    }
-    if (!list.m_regions.empty()) {
-        pugi::xml_node regions = root.append_child("InvalidRegions");
-        for (const zlr::DataRegion& region : list.m_regions) {
-            appendRegion(regions, region);
+        if (!list.m_regions.empty()) {
+            zlr::XmlBuilderElement regions = root.child("InvalidRegions");
+            for (const zlr::DataRegion& region : list.m_regions) {
+                appendRegion(regions, region);
+            }
         }
-    }
-    return xpugi::to_xml(document, false);
+    });
 }
 
 std::string writeDataBlock(const zlr::DataBlock& block)
 {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child("DataBlock");
-    root.append_attribute("stream_id") = block.m_stream_id;
-    root.append_attribute("data_size") = block.m_data_size;
-    for (const zlr::DataBlockChannel& channel : block.m_channels) {
-        pugi::xml_node element = root.append_child("Channel");
-        element.append_attribute("channel_id") = channel.m_channel_id;
-        element.append_attribute("offset") = channel.m_offset;
-        element.append_attribute("count") = channel.m_count;
-        element.append_attribute("first_sample_index") = channel.m_first_sample_index;
-        element.append_attribute("timestamp") = channel.m_timestamp;
-        element.append_attribute("duration") = channel.m_duration;
-    }
-    return xpugi::to_xml(document, false);
+    return streamed([&](zlr::XmlBuilder& builder) {
+        zlr::XmlBuilderElement root =
+            builder.child("DataBlock", {zlr::XmlAttribute("stream_id", block.m_stream_id),
+                                        zlr::XmlAttribute("data_size", block.m_data_size)});
+        for (const zlr::DataBlockChannel& channel : block.m_channels) {
+            root.child("Channel",
+                       {zlr::XmlAttribute("channel_id", channel.m_channel_id),
+                        zlr::XmlAttribute("offset", channel.m_offset),
+                        zlr::XmlAttribute("count", channel.m_count),
+                        zlr::XmlAttribute("first_sample_index", channel.m_first_sample_index),
+                        zlr::XmlAttribute("timestamp", channel.m_timestamp),
+                        zlr::XmlAttribute("duration", channel.m_duration)});
+        }
+    });
 }
 
 std::string writeDataRegions(const std::vector<zlr::DataRegion>& regions)
 {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child("DataRegions");
-    for (const zlr::DataRegion& region : regions) {
-        appendRegion(root, region);
-    }
-    return xpugi::to_xml(document, false);
+    return streamed([&](zlr::XmlBuilder& builder) {
+        zlr::XmlBuilderElement root = builder.child("DataRegions");
+        for (const zlr::DataRegion& region : regions) {
+            appendRegion(root, region);
+        }
+    });
 }
 
 std::string writeProcessWindow(const zlr::Timestamp& start, const zlr::Timestamp& end)
 {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child("Start");
-    xpugi::set_protocol_version(root);
-    for (const auto& [name, time] : {std::pair{"Start", start}, std::pair{"End", end}}) {
-        pugi::xml_node element = root.append_child(name);
-        element.append_attribute("ticks") = time.ticks;
-        element.append_attribute("frequency") = time.frequency;
-    }
-    return xpugi::to_xml(document, false);
+    return streamed([&](zlr::XmlBuilder& builder) {
+        zlr::XmlBuilderElement root =
+            builder.child("Start", {zlr::XmlAttribute("protocol_version", "1.0")});
+        for (const auto& [name, time] : {std::pair{"Start", start}, std::pair{"End", end}}) {
+            root.child(name, {zlr::XmlAttribute("ticks", time.ticks),
+                              zlr::XmlAttribute("frequency", time.frequency)});
+        }
+    });
 }
 
 std::string writeMasterTimebaseValue(const zlr::Timestamp& now)
 {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child("MasterTimebaseValue");
-    root.append_attribute("ticks") = now.ticks;
-    root.append_attribute("frequency") = now.frequency;
-    return xpugi::to_xml(document, false);
+    return streamed([&](zlr::XmlBuilder& builder) {
+        builder.child("MasterTimebaseValue", {zlr::XmlAttribute("ticks", now.ticks),
+                                              zlr::XmlAttribute("frequency", now.frequency)});
+    });
 }
 
 } // namespace zelvar_sim
