@@ -306,45 +306,65 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
     CLI::App* run = app.add_subcommand(
         "run", "run a \"Frequency Measurement\" channel over recordings, one host session per file");
     run->add_option("INPUT", options.inputs,
-                    "recordings: any format libsndfile reads, or CSV (.csv, .txt) with "
-                    "--sample-rate; none: the built-in recording");
+                    "recordings: any format libsndfile reads (WAV, FLAC, AIFF, ...), or CSV (.csv, "
+                    ".txt) with --sample-rate (default: the built-in recording)")
+        ->type_name("FILE");
     run->add_option("--window-length", options.window_length,
-                    "window duration in s (0.01 to 1; the plug-in's default 0.2)");
+                    "window duration in s, 0.01 to 1 (default: the plug-in's 0.2 s)")
+        ->type_name("S");
     run->add_option("--overlap", options.overlap,
-                    "window overlap in % (0 to 90; the plug-in's default 50)");
+                    "window overlap in %, 0 to 90 (default: the plug-in's 50 %)")
+        ->type_name("PERCENT");
     run->add_option("--min-frequency", options.min_frequency,
-                    "lowest frequency published, in Hz (default 5 / window length)");
+                    "lowest frequency published, in Hz (default: 5 / window length)")
+        ->type_name("HZ");
     run->add_option("--max-frequency", options.max_frequency,
-                    "highest frequency searched and published, in Hz (default half the sample rate)");
+                    "highest frequency searched and published, in Hz (default: half the sample rate)")
+        ->type_name("HZ");
     run->add_option("--channels", options.channels,
                     "input columns or file channels, by name or 0-based index, comma-separated "
                     "(default: all)")
-        ->delimiter(',');
+        ->delimiter(',')
+        ->type_name("LIST");
     run->add_option("--sample-rate", options.sample_rate,
-                    "sample rate in Hz; required for CSV, overrides a file's own");
+                    "sample rate in Hz; required for CSV, overrides a file's own (default: the file's)")
+        ->type_name("HZ");
     run->add_option("--block-duration", options.block_duration,
-                    "seconds of data per block the host hands out (0.0001 to 3600)")
-        ->check(CLI::Range(0.0001, 3600.0))
+                    "seconds of data per block the host hands out, 0.0001 to 3600")
+        ->check(CLI::Range(0.0001, 3600.0).description(""))
+        ->type_name("S")
         ->capture_default_str();
     run->add_option("-o,--output", options.output,
                     "write the CSV table to FILE, '-' for standard output (default: a readable "
-                    "table and a summary per input)");
-    run->add_option("--plot", options.plot, "draw the frequencies with gnuplot into FILE.png or FILE.svg");
+                    "table and a summary per input)")
+        ->type_name("FILE");
+    run->add_option("--plot", options.plot,
+                    "draw the frequencies with gnuplot into FILE.png or FILE.svg (default: no plot)")
+        ->type_name("FILE");
     run->add_option("--trace", options.trace,
-                    "write every message between host and plug-in to FILE, one a line: "
-                    "direction, name and number, key, answer, value");
+                    "write every message between host and plug-in to FILE, one a line: direction, "
+                    "name and number, key, answer, value (default: no trace)")
+        ->type_name("FILE");
     run->add_option("--save-config", options.save_config,
-                    "after the run, write the channel's settings as the host saves them to FILE "
-                    "(with several inputs: those of the first)");
+                    "after the run, write the channel's settings as the host saves them to FILE; "
+                    "with several INPUT files those of the first (default: not saved)")
+        ->type_name("FILE");
     run->add_option("--load-config", options.load_config,
-                    "restore the channel from a file written by --save-config before the run, its "
-                    "inputs mapped onto this run's in order; the setting options apply after it");
+                    "before the run, restore the channel from a FILE written by --save-config, its "
+                    "inputs mapped onto this run's in order; the setting options apply after it "
+                    "(default: a new channel)")
+        ->type_name("FILE");
     run->add_option("-j,--jobs", options.jobs,
                     "with several INPUT files, run this many host sessions side by side in child "
                     "processes (default: the number of processors)")
+        ->type_name("N")
         ->capture_default_str();
-    run->add_flag("-q,--quiet", options.quiet, "print nothing but errors");
-    run->add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
+    run->add_flag("-q,--quiet", options.quiet,
+                  "print nothing but errors, and no progress line (default: a progress line on a "
+                  "terminal)");
+    run->add_option("--plugin", plugin_path, "the .plugin file to load")
+        ->type_name("PATH")
+        ->capture_default_str();
     return run;
 }
 

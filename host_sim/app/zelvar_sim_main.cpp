@@ -21,13 +21,18 @@
 
 int main(int argc, char** argv)
 {
-    CLI::App app{"zelvar-sim: runs a Zelvar plug-in in a simulated host"};
+    CLI::App app{"zelvar-sim: runs a Zelvar plug-in in a simulated host. Without a subcommand it runs "
+                 "a \"Frequency Measurement\" channel over the built-in recording and prints the "
+                 "frequencies; \"run\" does so over files."};
     std::string plugin_path = ZELVAR_SIM_DEFAULT_PLUGIN;
     unsigned log_level = zlr::UniLogSeverityLevel::Failure;
-    app.add_option("--plugin", plugin_path, "the .plugin file to load")->capture_default_str();
+    app.add_option("--plugin", plugin_path, "the .plugin file to load")
+        ->type_name("PATH")
+        ->capture_default_str();
     app.add_option("--log-level", log_level,
                    "show the plug-in's log records from this severity on (1 notes, 5 failures, "
                    "6 errors)")
+        ->type_name("LEVEL")
         ->capture_default_str();
 
     std::optional<std::string> window_length;
@@ -36,26 +41,38 @@ int main(int argc, char** argv)
     std::optional<std::string> max_frequency;
     zelvar_sim::RunOptions run;
     bool stream = false;
-    app.add_option("--window", window_length, "window duration in seconds (0.01 to 1)");
-    app.add_option("--overlap", overlap, "window overlap in percent (0 to 90)");
-    app.add_option("--min-frequency", min_frequency, "lowest frequency published, in Hz");
-    app.add_option("--max-frequency", max_frequency, "highest frequency searched and published, in Hz");
+    app.add_option("--window", window_length,
+                   "window duration in s, 0.01 to 1 (default: the plug-in's 0.2 s)")
+        ->type_name("S");
+    app.add_option("--overlap", overlap, "window overlap in %, 0 to 90 (default: the plug-in's 50 %)")
+        ->type_name("PERCENT");
+    app.add_option("--min-frequency", min_frequency,
+                   "lowest frequency published, in Hz (default: 5 / window length)")
+        ->type_name("HZ");
+    app.add_option("--max-frequency", max_frequency,
+                   "highest frequency searched and published, in Hz (default: half the sample rate)")
+        ->type_name("HZ");
     app.add_option("--block-duration", run.block_duration,
                    "seconds of data per block the host hands out; 0 takes the stream's own")
+        ->type_name("S")
         ->capture_default_str();
     app.add_option("--process-interval", run.process_interval,
                    "host time between two process steps, in seconds")
+        ->type_name("S")
         ->capture_default_str();
     app.add_flag("--stream", stream,
                  "let the plug-in pull its stream instead of giving each process step its time "
-                 "span; a stream carries no gaps, so their samples are simply missing");
+                 "span; a stream carries no gaps, so their samples are simply missing (default: "
+                 "time spans)");
 
     zelvar_sim::InfoRequest info;
     CLI::App* info_command =
         app.add_subcommand("info", "only load, initialise and finish the plug-in, showing its messages");
     info_command->add_option("--host-name", info.host_name, "the name the host gives itself")
+        ->type_name("NAME")
         ->capture_default_str();
     info_command->add_option("--host-version", info.host_version, "the version the host reports")
+        ->type_name("VERSION")
         ->capture_default_str();
     info_command->add_flag("--manifest", info.show_manifest, "print the plug-in's whole manifest");
     zelvar_sim::RunCommandOptions run_files;
