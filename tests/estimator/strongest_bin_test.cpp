@@ -1,6 +1,9 @@
 // The peak search against the plainest scan there is, on random spectra
-// with many ties, zeros and NaNs, and with every search limit.
+// with many ties, zeros and NaNs, and with every search limit, in every
+// processor variant this machine runs.
 #include "frequency_strongest_bin.h"
+#include "zfft/zfft_real_fft.h"
+#include "zfft/zfft_strongest_bin.h"
 
 #include <gtest/gtest.h>
 
@@ -44,8 +47,14 @@ TEST(StrongestBin, AgreesWithThePlainScanOnTiesZerosAndNaN)
             X[n / 2] = {1e300, 1e300}; // an infinite power
         }
         const std::uint64_t limit = 1 + static_cast<std::uint64_t>(gen() % n);
-        ASSERT_EQ(strongestBin(X.data(), limit), firstStrictPeak(X, limit))
-            << "n=" << n << " limit=" << limit << " trial=" << trial;
+        const std::uint64_t expected = firstStrictPeak(X, limit);
+        ASSERT_EQ(strongestBin(X.data(), limit), expected) << "n=" << n << " limit=" << limit << " trial=" << trial;
+        for (unsigned selector = 1; selector <= 3; ++selector) {
+            if (ZFFT::selector_supported(selector)) {
+                ASSERT_EQ(ZFFT::strongest_bin(X.data(), limit, selector), expected)
+                    << "selector=" << selector << " n=" << n << " limit=" << limit << " trial=" << trial;
+            }
+        }
     }
 }
 
