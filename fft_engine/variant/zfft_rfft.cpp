@@ -24,12 +24,18 @@ inline cvec2 reversed(cvec2 v)
 // and no pass over y follows. Two neighbouring k share a vector below Nq,
 // where the partners are distinct; at k = Nq the two stores of y[Nq] and of
 // y[N-Nq] hit one place each, and the second one stands.
+//
+// Up to 16 samples the inner transform is one straight-line stage that has
+// just stored its points one at a time; a vector load over two of those
+// stores waits until both have left the store buffer, so there the split
+// takes one k at a time.
 template <bool Scaled>
 void split_and_mirror(complex_t* y, const complex_t* W, long Nh, long Nq, long k0, long k1, double r)
 {
     complex_t* z = y + Nh;
     long k = k0;
-    for (; k + 1 < k1 && k + 1 < Nq; k += 2) {
+    const long pairs_below = Nh > 8 ? Nq : 0;
+    for (; k + 1 < k1 && k + 1 < pairs_below; k += 2) {
         const cvec2 a = cvec2::load(z + k);
         const cvec2 b = conj(reversed(cvec2::load(z + Nh - k - 1)));
         const cvec2 e = mul(cvec2::load(W + k), a - b);
