@@ -397,14 +397,19 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
         if (!options.quiet && isatty(STDERR_FILENO)) {
             progress.emplace(board, total_samples);
         }
-        const auto runOne = [&](std::size_t k, std::ostream* trace) {
-            MessageObserver observer = board.observerFor(k, sessions[k].samples_per_second,
-                                                         sessions[k].duration,
-                                                         traceObserver(trace, sessions[k].file));
+        // A child only counts; the parent draws the line for all of them.
+        const auto runOne = [&](std::size_t k, std::ostream* trace, bool draws) {
+            // Without a trace or a progress line the host has no observer, and
+            // the plug-in's messages cost nothing beyond their answers.
+            MessageObserver observer = traceObserver(trace, sessions[k].file);
             if (progress) {
-                observer = [observer, &progress](const ObservedMessage& message) {
-                    observer(message);
-                    progress->update();
+                observer = [counted = board.observerFor(k, sessions[k].samples_per_second,
+                                                        sessions[k].duration, std::move(observer)),
+                            &progress, draws](const ObservedMessage& message) {
+                    counted(message);
+                    if (draws) {
+                        progress->update();
+                    }
                 };
             }
             return runSession(library, options, sessions[k], loaded, observer);
@@ -424,7 +429,7 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
                     if (trace_file.is_open()) {
                         part.open(scratch.file("trace" + std::to_string(k)));
                     }
-                    SessionOutcome outcome = runOne(k, part.is_open() ? &part : nullptr);
+                    SessionOutcome outcome = runOne(k, part.is_open() ? &part : nullptr, false);
                     if (part.is_open() && !part.flush()) {
                         throw FileError(options.trace + ": cannot be written");
                     }
@@ -443,7 +448,7 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
             }
         } else {
             for (std::size_t k = 0; k < sessions.size(); ++k) {
-                outcomes.push_back(runOne(k, trace_file.is_open() ? &trace_file : nullptr));
+                outcomes.push_back(runOne(k, trace_file.is_open() ? &trace_file : nullptr, true));
                 if (outcomes.back().status != 0) {
                     break;
                 }
