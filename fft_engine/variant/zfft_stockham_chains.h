@@ -15,6 +15,8 @@
 #include "zfft_stockham_fft0.h"
 #include "zfft_stockham_stages.h"
 
+#include <omp.h>
+
 #include <utility>
 
 namespace ZFFT_VARIANT {
@@ -82,10 +84,17 @@ inline void chain_body(const complex_t* in, complex_t* x, complex_t* y, const co
 }
 
 // The chain of one log_N; the parallel form forks once for the whole chain.
+// A runtime that would make a team of one thread is not asked to: its
+// worksharing loops then run whole on the calling thread, the same stages
+// with the same twiddles, and the fork and the barriers cost nothing.
 template <int R, Flow Fl, Direction D, Form F, Scaling S, int L>
 void chain(const complex_t* in, complex_t* x, complex_t* y, const complex_t* W)
 {
     if constexpr (F == Form::parallel) {
+        if (omp_get_max_threads() == 1) {
+            chain_body<R, Fl, D, F, S, L>(in, x, y, W);
+            return;
+        }
 #pragma omp parallel
         chain_body<R, Fl, D, F, S, L>(in, x, y, W);
     } else {

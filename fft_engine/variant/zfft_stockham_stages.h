@@ -35,6 +35,19 @@ enum class Form { single, parallel };
 
 // ------------------------------------------------------------- twiddles ----
 
+// w_k of the short table's chains as the product of w_{k/2} and w_{k-k/2}:
+// w2 = w1 w1 and w3 = w1 w2 as ever, and from w4 on a tree instead of a
+// chain, so that w7 waits on three products, not six.
+[[gnu::always_inline]] inline cvec1 power_product(const cvec1* powers, int k)
+{
+    return mul(powers[k / 2], powers[k - k / 2]);
+}
+
+[[gnu::always_inline]] inline split_twiddle<cvec2> power_product(const split_twiddle<cvec2>* powers, int k)
+{
+    return times(powers[k / 2], powers[k - k / 2]);
+}
+
 // The twiddles w_1 .. w_{r-1} of angle index s p, the same for all q and
 // broadcast over the lanes of V, in split form: they serve every group of q.
 template <int R, int N, int s, Direction D, Form F, class V>
@@ -48,14 +61,14 @@ template <int R, int N, int s, Direction D, Form F, class V>
         }
     } else {
         const complex_t& first = W[s * p];
-        const cvec1 w1 = cvec1::load(&first);
-        cvec1 wk = w1;
+        cvec1 powers[R];
+        powers[1] = cvec1::load(&first);
         w[1] = twiddle<D>(split_broadcast<V>(first));
         #pragma GCC unroll 16
         for (int k = 2; k < R; ++k) {
-            wk = mul(w1, wk);
+            powers[k] = power_product(powers, k);
             complex_t c;
-            wk.store(&c);
+            powers[k].store(&c);
             w[k] = twiddle<D>(split_broadcast<V>(c));
         }
     }
@@ -74,13 +87,13 @@ template <int R, int N, Direction D, Form F>
             w[k] = twiddle<D>(split(cvec2::load(W + (k - 1) * m + p)));
         }
     } else {
-        const split_twiddle<cvec2> w1 = split(cvec2::load(W + p));
-        w[1] = twiddle<D>(w1);
-        split_twiddle<cvec2> wk = w1;
+        split_twiddle<cvec2> powers[R];
+        powers[1] = split(cvec2::load(W + p));
+        w[1] = twiddle<D>(powers[1]);
         #pragma GCC unroll 16
         for (int k = 2; k < R; ++k) {
-            wk = times(w1, wk);
-            w[k] = twiddle<D>(wk);
+            powers[k] = power_product(powers, k);
+            w[k] = twiddle<D>(powers[k]);
         }
     }
 }
