@@ -235,7 +235,7 @@ void RFFT::fill_table(int log_n)
             split_and_mirror<true>(y, table, Nh, Nq, k0, k1, r);
         }
     };
-    if (n >= REAL_PARALLEL_TRANSFORM_FROM) {
+    if (n >= REAL_PARALLEL_TRANSFORM_FROM && team_would_share()) {
 #pragma omp parallel
         shared_loop(1, Nq + 1, split_range);
     } else {
@@ -279,7 +279,7 @@ void RFFT::run_inverse(complex_t* y, double* x, Scaling scaling) const
         });
     };
 
-    const bool parallel = n >= REAL_PARALLEL_TRANSFORM_FROM;
+    const bool parallel = n >= REAL_PARALLEL_TRANSFORM_FROM && team_would_share();
     if (parallel) {
 #pragma omp parallel
         merge_all();

@@ -230,7 +230,7 @@ void interleave(complex_t* x, const complex_t* y, long Q, bool shared)
 template <Direction D, bool Scaled>
 void even_transform(int log_N, const complex_t* in, complex_t* x, complex_t* y, const matrix& m, double factor)
 {
-    if (log_N >= EVEN_PARALLEL_FROM) {
+    if (log_N >= EVEN_PARALLEL_FROM && team_would_share()) {
 #pragma omp parallel
         five_passes<D, Scaled>(in, x, y, m, factor, true);
     } else {
@@ -243,18 +243,27 @@ void odd_transform(int log_N, const complex_t* in, complex_t* x, complex_t* y, c
                    double factor)
 {
     const long Q = (1L << log_N) / 8;
+    const bool fork = team_would_share();
     if (log_N >= ODD_BLOCKS_ON_CALLER_FROM) {
+        if (fork) {
 #pragma omp parallel
-        radix8_step<D, Scaled>(in, y, W1, Q, factor, true);
+            radix8_step<D, Scaled>(in, y, W1, Q, factor, true);
+        } else {
+            radix8_step<D, Scaled>(in, y, W1, Q, factor, false);
+        }
         // Deliberately outside any region: each sub-transform's shared
         // loops then run whole on this thread.
         #pragma GCC unroll 16
         for (int block = 0; block < 8; ++block) {
             five_passes<D, false>(y + block * Q, y + block * Q, x + block * Q, m, 1.0, true);
         }
+        if (fork) {
 #pragma omp parallel
-        interleave(x, y, Q, true);
-    } else if (log_N >= ODD_PARALLEL_FROM) {
+            interleave(x, y, Q, true);
+        } else {
+            interleave(x, y, Q, false);
+        }
+    } else if (log_N >= ODD_PARALLEL_FROM && fork) {
 #pragma omp parallel
         {
             radix8_step<D, Scaled>(in, y, W1, Q, factor, true);

@@ -26,5 +26,13 @@ inline work_share my_share(long total)
     return {begin, begin + base + (id < extra ? 1 : 0)};
 }
 
+// False when a parallel region would get a team of one thread. The engine
+// then runs its shared loops whole on the calling thread instead: the same
+// work in the same order, without the fork and the barriers.
+inline bool team_would_share()
+{
+    return omp_get_max_threads() > 1;
+}
+
 } // namespace
 } // namespace ZFFT_VARIANT
