@@ -14,6 +14,7 @@
 #include "sim_recording_file.h"
 #include "sim_run_printing.h"
 
+#include <omp.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -425,6 +426,10 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
             outcomes = runInChildren(
                 names, options.jobs, scratch,
                 [&](std::size_t k) {
+                    // The sessions share the processors already: a transform
+                    // that also spread over all of them would only make the
+                    // children wait on each other's spinning threads.
+                    omp_set_num_threads(1);
                     std::ofstream part;
                     if (trace_file.is_open()) {
                         part.open(scratch.file("trace" + std::to_string(k)));
