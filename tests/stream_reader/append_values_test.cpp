@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <random>
 #include <vector>
@@ -85,8 +87,11 @@ TEST(StreamIterator, AppendValuesMatchesValueAndStepOverRandomRanges)
             }
         }
         ASSERT_EQ(appended.size(), stepped.size());
-        EXPECT_EQ(std::memcmp(appended.data(), stepped.data(), appended.size() * sizeof(double)), 0)
-            << "trial " << trial;
+        for (std::size_t i = 0; i < appended.size(); ++i) {
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(appended[i]),
+                      std::bit_cast<std::uint64_t>(stepped[i]))
+                << "trial " << trial << ", value " << i;
+        }
     }
 }
 
