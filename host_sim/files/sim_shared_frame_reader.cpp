@@ -2,6 +2,8 @@
 
 #include "sim_file_error.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -25,6 +27,38 @@ unsigned char* pickChannel(const unsigned char* from, std::size_t frame_bytes,
         from += frame_bytes;
     }
     return out;
+}
+
+// 16-bit samples of one channel widened to doubles: the sound files people
+// record most, so mono and stereo go four and eight at a time with SSE2,
+// which every x86-64 processor has; other layouts one by one. Vectors are
+// loaded from whole frames only, never past the last one.
+unsigned char* pickInt16AsDoubles(const unsigned char* frames, std::size_t channel,
+                                  std::size_t frame_bytes, std::uint64_t count,
+                                  unsigned char* out)
+{
+    std::uint64_t done = 0;
+    const auto store = [&out](__m128i four) {
+        _mm_storeu_pd(reinterpret_cast<double*>(out), _mm_cvtepi32_pd(four));
+        _mm_storeu_pd(reinterpret_cast<double*>(out + 16),
+                      _mm_cvtepi32_pd(_mm_shuffle_epi32(four, _MM_SHUFFLE(1, 0, 3, 2))));
+        out += 32;
+    };
+    if (frame_bytes == 4) {
+        for (; done + 4 <= count; done += 4) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(frames + done * 4));
+            // Each 32-bit lane is one frame; the channel's half, sign-extended.
+            store(channel == 0 ? _mm_srai_epi32(_mm_slli_epi32(v, 16), 16) : _mm_srai_epi32(v, 16));
+        }
+    } else if (frame_bytes == 2) {
+        for (; done + 8 <= count; done += 8) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(frames + done * 2));
+            store(_mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16));
+            store(_mm_srai_epi32(_mm_unpackhi_epi16(v, v), 16));
+        }
+    }
+    return pickChannel<std::int16_t, double>(frames + done * frame_bytes + channel * 2,
+                                             frame_bytes, count - done, out);
 }
 
 } // namespace
@@ -109,7 +143,7 @@ bool SharedFrameReader::copyChannelAsDoubles(std::size_t channel, std::uint64_t 
         const unsigned char* from = frame + from_channel;
         switch (encoding) {
         case SampleEncoding::int16:
-            out = pickChannel<std::int16_t, double>(from, frame_bytes, frames, out);
+            out = pickInt16AsDoubles(frame, channel, frame_bytes, frames, out);
             break;
         case SampleEncoding::int32:
             out = pickChannel<std::int32_t, double>(from, frame_bytes, frames, out);
