@@ -51,13 +51,22 @@ bool OutputCapture::handleMessage(const MessageRecord& message, zlr::IfValue**,
         answer = zlr::RESULT_BAD_ARGUMENT;
         return true;
     }
-    CapturedBlock block;
-    std::memcpy(&block.first_index, bytes.data(), 8);
-    block.values.resize((bytes.size() - 8) / 8);
-    if (!block.values.empty()) {
-        std::memcpy(block.values.data(), bytes.data() + 8, bytes.size() - 8);
+    std::uint64_t first_index = 0;
+    std::memcpy(&first_index, bytes.data(), 8);
+    const std::size_t count = (bytes.size() - 8) / 8;
+    std::vector<CapturedBlock>& blocks = m_blocks[static_cast<std::uint32_t>(message.key)];
+    // A plug-in writes a value or two per process call: an hour of them as
+    // separate blocks would cost far more than the values themselves.
+    const bool continues = !blocks.empty() &&
+                           blocks.back().first_index + blocks.back().values.size() == first_index;
+    if (!continues) {
+        blocks.push_back({first_index, {}});
     }
-    m_blocks[static_cast<std::uint32_t>(message.key)].push_back(std::move(block));
+    std::vector<double>& values = blocks.back().values;
+    values.resize(values.size() + count);
+    if (count != 0) {
+        std::memcpy(values.data() + values.size() - count, bytes.data() + 8, count * 8);
+    }
     answer = zlr::RESULT_OK;
     return true;
 }

@@ -23,7 +23,8 @@ class OutputCapture final : public HostService {
 public:
     explicit OutputCapture(SimHost& host);
 
-    // Blocks of one output channel (the plug-in's local id), in arrival order.
+    // Blocks of one output channel (the plug-in's local id), in arrival order;
+    // a block that starts where the last one ended joins it.
     const std::vector<CapturedBlock>& blocks(std::uint32_t local_id) const;
     // The values of all blocks of one channel, one after the other.
     std::vector<double> values(std::uint32_t local_id) const;
