@@ -386,7 +386,7 @@ void checkLongRun(CheckContext& context)
         }
     }
     std::uint64_t settled_bytes = 0;
-    const std::string what = "an hour's run";
+    const std::string what = "the long run";
     // The host forgets what it has looked at, so that only the plug-in's
     // memory can grow: the outputs are accounted for and dropped after each
     // step, and the message log keeps nothing.
@@ -413,12 +413,18 @@ void checkLongRun(CheckContext& context)
     requireCleanRun(context, bench, report, log_mark, what);
     const std::uint64_t end_bytes = residentBytes();
     context.trace("resident at the end: " + std::to_string(end_bytes / 1024) + " KiB");
+#if defined(__SANITIZE_ADDRESS__)
+    // The address sanitizer holds freed memory in quarantine, so resident
+    // memory grows whatever the plug-in does; its leak check stands in.
+    context.trace("resident memory not compared: the address sanitizer keeps freed blocks");
+#else
     // Some slack for the allocator's own bookkeeping; a leak of a few dozen
     // bytes per step grows beyond it over an hour's 36000 steps.
     const std::uint64_t slack = 1u << 20;
     CheckContext::require(end_bytes <= settled_bytes + slack,
                           what + ": resident memory grew from " + std::to_string(settled_bytes >> 10) +
                               " KiB to " + std::to_string(end_bytes >> 10) + " KiB");
+#endif
     const std::uint64_t total = std::accumulate(
         accounts.begin(), accounts.end(), std::uint64_t{0},
         [](std::uint64_t sum, const OutputAccount& account) { return sum + account.count; });
