@@ -41,7 +41,7 @@ struct RunOptions {
     // process_interval. A 0 is a step at which the clock stands still, a
     // long one a jump forward. A list without a positive entry is ignored,
     // since the run would never end.
-    std::vector<double> step_intervals;
+    std::vector<double> step_intervals{};
     // Every this many steps (0: never) two adjoining steps reach the plug-in
     // in swapped order: the later span first, then the earlier one. With
     // time stamps the windows come out of order; a stream sees the clock go
