@@ -24,7 +24,7 @@ done
 if command -v clang++-14 >/dev/null 2>&1 && [ -f fuzz/CMakeLists.txt ]; then
   echo "=== fuzz: smoke run"
   # A smoke run: long runs are done by hand with a larger FUZZ_SECONDS.
-  FUZZ_SECONDS="${FUZZ_SECONDS:-8}" bash scripts/fuzz-smoke.sh
+  FUZZ_SECONDS="${FUZZ_SECONDS:-4}" bash scripts/fuzz-smoke.sh
   lap "fuzz build and smoke run"
 fi
 echo "=== all passed in ${SECONDS} s"
