@@ -163,7 +163,7 @@ FrequencyRunResult runFrequencyMeasurement(PluginLibrary& library,
         for (const HostChannel& channel : bench.outputsOf(root)) {
             result.outputs.push_back({channel.local_id, channel.default_name,
                                       channel.timebase.m_frequency, channel.valid,
-                                      acquisition.outputBlocks(channel.local_id)});
+                                      acquisition.takeOutputBlocks(channel.local_id)});
         }
         session.finish();
         model.detach();

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <iterator>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -161,9 +162,11 @@ void checkAccepted(const FrequencyRunResult& result)
     }
 }
 
-std::vector<FrequencySeries> seriesOf(const Session& session, const FrequencyRunResult& result)
+// The outputs' blocks move into the series: an hour's values are held once.
+std::vector<FrequencySeries> seriesOf(const Session& session, FrequencyRunResult& result)
 {
     std::vector<FrequencySeries> series;
+    std::vector<std::size_t> taken; // the output of each series so far
     for (const DemoInput& input : session.inputs) {
         const auto output = std::find_if(result.outputs.begin(), result.outputs.end(),
                                          [&](const RunOutput& out) {
@@ -172,8 +175,15 @@ std::vector<FrequencySeries> seriesOf(const Session& session, const FrequencyRun
         if (output == result.outputs.end() || output->rate <= 0.0) {
             throw Refused{"no output channel for " + input.long_name};
         }
+        // An input picked twice names one output twice: the second takes a copy.
+        const std::size_t at = static_cast<std::size_t>(output - result.outputs.begin());
+        const auto earlier = std::find(taken.begin(), taken.end(), at);
+        std::vector<CapturedBlock> blocks =
+            earlier == taken.end() ? std::move(output->blocks)
+                                   : series[static_cast<std::size_t>(earlier - taken.begin())].blocks;
+        taken.push_back(at);
         series.push_back({session.file, input.long_name, input.sample_rate,
-                          windowStepOf(input.sample_rate, output->rate), output->blocks});
+                          windowStepOf(input.sample_rate, output->rate), std::move(blocks)});
     }
     return series;
 }
@@ -244,7 +254,7 @@ SessionOutcome runSession(PluginLibrary& library, const RunCommandOptions& optio
         request.run.mode = ProcessMode::time_stamped;
         request.restore = loaded;
         request.observer = std::move(observer);
-        const FrequencyRunResult result = runFrequencyMeasurement(library, request);
+        FrequencyRunResult result = runFrequencyMeasurement(library, request);
         if (session.reader && !session.reader->fault().empty()) {
             throw FileError(session.reader->fault());
         }
@@ -272,13 +282,14 @@ SessionOutcome runSession(PluginLibrary& library, const RunCommandOptions& optio
 
 // What all sessions gave, in their order: the printed parts, the table, the
 // plot, the saved settings of the first, the summaries.
-void finishRun(const RunCommandOptions& options, const std::vector<SessionOutcome>& outcomes,
+void finishRun(const RunCommandOptions& options, std::vector<SessionOutcome>& outcomes,
                std::ostream& out)
 {
     std::vector<FrequencySeries> series;
-    for (const SessionOutcome& outcome : outcomes) {
+    for (SessionOutcome& outcome : outcomes) {
         out << outcome.printed;
-        series.insert(series.end(), outcome.series.begin(), outcome.series.end());
+        std::move(outcome.series.begin(), outcome.series.end(), std::back_inserter(series));
+        outcome.series.clear();
     }
     if (options.output == "-") {
         writeFrequencyTable(out, series);
@@ -299,6 +310,22 @@ void finishRun(const RunCommandOptions& options, const std::vector<SessionOutcom
         printSummaries(out, summaries);
     }
 }
+
+// The transforms' thread count for the length of a run; the caller's
+// comes back after it.
+class TransformThreads {
+public:
+    explicit TransformThreads(unsigned threads) : m_before(omp_get_max_threads())
+    {
+        omp_set_num_threads(static_cast<int>(threads));
+    }
+    ~TransformThreads() { omp_set_num_threads(m_before); }
+    TransformThreads(const TransformThreads&) = delete;
+    TransformThreads& operator=(const TransformThreads&) = delete;
+
+private:
+    int m_before;
+};
 
 } // namespace
 
@@ -360,6 +387,13 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
                     "processes (default: the number of processors)")
         ->type_name("N")
         ->capture_default_str();
+    run->add_option("--threads", options.threads,
+                    "OpenMP threads each transform may use; more pay only for windows of "
+                    "hundreds of thousands of points on an otherwise idle machine (default: 1, "
+                    "so that the run never waits on a busy processor)")
+        ->check(CLI::Range(1u, 1024u).description(""))
+        ->type_name("N")
+        ->capture_default_str();
     run->add_flag("-q,--quiet", options.quiet,
                   "print nothing but errors, and no progress line (default: a progress line on a "
                   "terminal)");
@@ -381,6 +415,7 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
             throw FileError("--jobs: at least 1");
         }
         const std::vector<Session> sessions = openSessions(options);
+        const TransformThreads threads(options.threads);
         std::ofstream trace_file;
         if (!options.trace.empty()) {
             trace_file.open(options.trace);
@@ -426,10 +461,7 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
             outcomes = runInChildren(
                 names, options.jobs, scratch,
                 [&](std::size_t k) {
-                    // The sessions share the processors already: a transform
-                    // that also spread over all of them would only make the
-                    // children wait on each other's spinning threads.
-                    omp_set_num_threads(1);
+                    omp_set_num_threads(static_cast<int>(options.threads));
                     std::ofstream part;
                     if (trace_file.is_open()) {
                         part.open(scratch.file("trace" + std::to_string(k)));

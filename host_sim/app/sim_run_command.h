@@ -30,6 +30,10 @@ struct RunCommandOptions {
     std::string save_config;             // the channel's saved record after the run
     std::string load_config;             // a saved record to restore before the run
     unsigned jobs = processorCount();   // host sessions side by side
+    // OpenMP threads a transform may use. One by default: the default
+    // window's transform takes some 30 us, too short to be worth a team
+    // whose threads meet at a barrier after every stage.
+    unsigned threads = 1;
     bool quiet = false;
 };
 

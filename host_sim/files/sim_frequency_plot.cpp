@@ -113,26 +113,26 @@ std::string plotScript(const PlotRequest& request)
         const FrequencySeries& one = request.series[s];
         script << "$series" << s << " << EOD\n";
         bool after_break = true;
-        for (const FrequencySeries::Point& point : one.points()) {
-            const double time = one.timeOf(point.index);
+        one.forEachPoint([&](std::uint64_t index, double value) {
+            const double time = one.timeOf(index);
             if (std::isfinite(time)) {
                 first_time = any_time ? std::min(first_time, time) : time;
                 last_time = any_time ? std::max(last_time, time) : time;
                 any_time = true;
             }
-            if (!std::isfinite(point.value)) {
+            if (!std::isfinite(value)) {
                 // One blank line ends the line drawn so far.
                 if (!after_break) {
                     script << '\n';
                 }
                 after_break = true;
-                continue;
+                return;
             }
-            script << numberText(time) << ' ' << numberText(point.value) << '\n';
+            script << numberText(time) << ' ' << numberText(value) << '\n';
             after_break = false;
             any_value = true;
             has_value[s] = true;
-        }
+        });
         script << "EOD\n";
     }
     if (any_time) {

@@ -18,6 +18,17 @@ std::vector<FrequencySeries::Point> FrequencySeries::points() const
     return all;
 }
 
+bool FrequencySeries::inIndexOrder() const
+{
+    for (std::size_t k = 1; k < blocks.size(); ++k) {
+        const CapturedBlock& before = blocks[k - 1];
+        if (blocks[k].first_index < before.first_index + before.values.size()) {
+            return false;
+        }
+    }
+    return true;
+}
+
 double FrequencySeries::timeOf(std::uint64_t index) const
 {
     return static_cast<double>(index) * static_cast<double>(window_step) / sample_rate;

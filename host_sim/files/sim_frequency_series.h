@@ -24,6 +24,27 @@ struct FrequencySeries {
     };
     std::vector<Point> points() const;
 
+    // Calls visit(index, value) for every captured value in index order.
+    // Blocks that follow each other (as a run writes them) are walked in
+    // place; only blocks out of order pay for the sorted copy of points().
+    template <typename Visit>
+    void forEachPoint(Visit visit) const
+    {
+        if (!inIndexOrder()) {
+            for (const Point& point : points()) {
+                visit(point.index, point.value);
+            }
+            return;
+        }
+        for (const CapturedBlock& block : blocks) {
+            for (std::size_t i = 0; i < block.values.size(); ++i) {
+                visit(block.first_index + i, block.values[i]);
+            }
+        }
+    }
+    // Every block starts at or after the end of the one before it.
+    bool inIndexOrder() const;
+
     // Index × step / sample rate: where value `index` stands, in seconds.
     double timeOf(std::uint64_t index) const;
 };

@@ -52,10 +52,10 @@ void writeFrequencyTable(std::ostream& out, const std::vector<FrequencySeries>& 
     for (const FrequencySeries& one : series) {
         const std::string prefix =
             (with_file ? csvField(one.file) + "," : std::string()) + csvField(one.channel) + ",";
-        for (const FrequencySeries::Point& point : one.points()) {
-            out << prefix << point.index << ',' << numberText(one.timeOf(point.index)) << ','
-                << numberText(point.value) << '\n';
-        }
+        one.forEachPoint([&](std::uint64_t index, double value) {
+            out << prefix << index << ',' << numberText(one.timeOf(index)) << ','
+                << numberText(value) << '\n';
+        });
     }
 }
 

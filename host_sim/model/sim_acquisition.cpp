@@ -48,6 +48,11 @@ const std::vector<CapturedBlock>& Acquisition::outputBlocks(std::uint32_t local_
     return m_output->blocks(local_id);
 }
 
+std::vector<CapturedBlock> Acquisition::takeOutputBlocks(std::uint32_t local_id)
+{
+    return m_output->takeBlocks(local_id);
+}
+
 std::vector<double> Acquisition::outputValues(std::uint32_t local_id) const
 {
     return m_output->values(local_id);

@@ -56,6 +56,8 @@ public:
     // What the plug-in wrote to one output channel.
     const std::vector<CapturedBlock>& outputBlocks(std::uint32_t local_id) const;
     std::vector<double> outputValues(std::uint32_t local_id) const;
+    // The same blocks handed over; the capture forgets them.
+    std::vector<CapturedBlock> takeOutputBlocks(std::uint32_t local_id);
 
     // The channels, tasks, data sets, clock and captured outputs, readable.
     void describe(std::ostream& out) const;

@@ -25,6 +25,17 @@ std::vector<double> OutputCapture::values(std::uint32_t local_id) const
     return all;
 }
 
+std::vector<CapturedBlock> OutputCapture::takeBlocks(std::uint32_t local_id)
+{
+    const auto found = m_blocks.find(local_id);
+    if (found == m_blocks.end()) {
+        return {};
+    }
+    std::vector<CapturedBlock> taken = std::move(found->second);
+    m_blocks.erase(found);
+    return taken;
+}
+
 std::vector<std::uint32_t> OutputCapture::channels() const
 {
     std::vector<std::uint32_t> ids;

@@ -28,6 +28,9 @@ public:
     const std::vector<CapturedBlock>& blocks(std::uint32_t local_id) const;
     // The values of all blocks of one channel, one after the other.
     std::vector<double> values(std::uint32_t local_id) const;
+    // Hands the blocks of one channel over and forgets them, so that the
+    // values of a long run are not held twice at its end.
+    std::vector<CapturedBlock> takeBlocks(std::uint32_t local_id);
     std::vector<std::uint32_t> channels() const;
     void clear() { m_blocks.clear(); }
 
