@@ -100,7 +100,7 @@ void SimHost::clearFaults()
 std::vector<ValueQuery> SimHost::queries() const
 {
     std::lock_guard lock(m_mutex);
-    return m_queries;
+    return {m_queries.begin(), m_queries.end()};
 }
 
 void SimHost::clearQueries()
@@ -115,6 +115,9 @@ void SimHost::limitMessageLog(std::size_t most_recent)
     m_message_log_limit = most_recent;
     while (m_messages.size() > m_message_log_limit) {
         m_messages.pop_front();
+    }
+    while (m_queries.size() > m_message_log_limit) {
+        m_queries.pop_front();
     }
 }
 
@@ -252,14 +255,14 @@ std::uint64_t SimHost::messageAsync(std::uint32_t id, std::uint64_t key, zlr::If
 zlr::IfValue* SimHost::queryValue(const char* path, const char* key, std::uint64_t,
                                   std::uint64_t)
 {
-    if (!path || !key) {
-        std::lock_guard lock(m_mutex);
-        m_queries.push_back(ValueQuery{path ? path : "", key ? key : "", false});
-        return nullptr;
-    }
-    zlr::IfValue* value = m_tree.query(path, key);
+    zlr::IfValue* value = path && key ? m_tree.query(path, key) : nullptr;
     std::lock_guard lock(m_mutex);
-    m_queries.push_back(ValueQuery{path, key, value != nullptr});
+    if (m_message_log_limit > 0) {
+        if (m_queries.size() == m_message_log_limit) {
+            m_queries.pop_front();
+        }
+        m_queries.push_back(ValueQuery{path ? path : "", key ? key : "", value != nullptr});
+    }
     return value;
 }
 

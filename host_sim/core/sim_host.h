@@ -81,8 +81,10 @@ public:
     void clearQueries();
 
     // The message log keeps the latest `most_recent` messages of the
-    // plug-in; a run over a long recording keeps none, since every sample
-    // block it writes would stay in memory. Tests keep them all (the default).
+    // plug-in, and the log of value queries as many queries; a run over a
+    // long recording keeps none, since every sample block it writes and
+    // every clock reading would stay in memory. Tests keep them all (the
+    // default).
     static constexpr std::size_t KEEP_EVERY_MESSAGE = std::numeric_limits<std::size_t>::max();
     void limitMessageLog(std::size_t most_recent);
 
@@ -127,7 +129,7 @@ private:
     std::map<std::uint32_t, Responder> m_responders;
     std::vector<std::shared_ptr<HostService>> m_services;
     std::vector<ProtocolFault> m_faults;
-    std::vector<ValueQuery> m_queries;
+    std::deque<ValueQuery> m_queries;
     MessageObserver m_observer;
     std::uint64_t m_calls_begun = 0;
     unsigned m_open_calls = 0;

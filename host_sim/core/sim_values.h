@@ -3,6 +3,7 @@
 // ledger of the host that made it.
 #pragma once
 
+#include "sim_block_bytes.h"
 #include "sim_value_ledger.h"
 #include "zlrbase_values.h"
 
@@ -160,7 +161,7 @@ class DataBlockList final : public RefCounted<zlr::IfDataBlockList> {
 public:
     struct Block {
         std::string description;
-        std::vector<unsigned char> bytes;
+        BlockBytes bytes;
     };
 
     DataBlockList(ValueLedger& ledger, std::string description, std::vector<Block> blocks)

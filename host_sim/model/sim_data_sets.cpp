@@ -50,7 +50,7 @@ std::vector<SampleSpan> gapsWithin(const std::vector<SampleSpan>& data, SampleSp
 // the value go through `values`.
 bool appendRun(const zlr::ChannelDescriptor& layout, const Recording& recording,
                std::uint64_t first, std::uint64_t count, std::vector<unsigned char>& values,
-               std::vector<unsigned char>& bytes)
+               BlockBytes& bytes)
 {
     const std::size_t width = sampleBytes(recording.encoding());
     if (shapeOf(layout) == RecordShape::synchronous && layout.m_stride == layout.m_size &&

@@ -5,7 +5,9 @@
 
 #include <pugixml.hpp>
 
+#include <charconv>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace zelvar_sim {
@@ -31,6 +33,17 @@ std::string streamed(Build build)
     build(builder);
     builder.flush();
     return out.str();
+}
+
+// ` name="` is given with its quote; the number and the closing quote follow.
+void appendNumberAttribute(std::string& text, std::string_view name_and_quote,
+                           std::uint64_t value)
+{
+    char digits[24];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    text += name_and_quote;
+    text.append(digits, end);
+    text += '"';
 }
 
 } // namespace
@@ -89,22 +102,32 @@ std::string writeDataBlockList(const zlr::DataBlockList& list)
     });
 }
 
+// Every block of every step has one: written straight into its text, which
+// is the text XmlBuilder writes for it.
 std::string writeDataBlock(const zlr::DataBlock& block)
 {
-    return streamed([&](zlr::XmlBuilder& builder) {
-        zlr::XmlBuilderElement root =
-            builder.child("DataBlock", {zlr::XmlAttribute("stream_id", block.m_stream_id),
-                                        zlr::XmlAttribute("data_size", block.m_data_size)});
-        for (const zlr::DataBlockChannel& channel : block.m_channels) {
-            root.child("Channel",
-                       {zlr::XmlAttribute("channel_id", channel.m_channel_id),
-                        zlr::XmlAttribute("offset", channel.m_offset),
-                        zlr::XmlAttribute("count", channel.m_count),
-                        zlr::XmlAttribute("first_sample_index", channel.m_first_sample_index),
-                        zlr::XmlAttribute("timestamp", channel.m_timestamp),
-                        zlr::XmlAttribute("duration", channel.m_duration)});
-        }
-    });
+    std::string text;
+    text.reserve(80 + 120 * block.m_channels.size());
+    text += "<?xml version=\"1.0\"?><DataBlock";
+    appendNumberAttribute(text, " stream_id=\"", block.m_stream_id);
+    appendNumberAttribute(text, " data_size=\"", block.m_data_size);
+    if (block.m_channels.empty()) {
+        text += "/>";
+        return text;
+    }
+    text += '>';
+    for (const zlr::DataBlockChannel& channel : block.m_channels) {
+        text += "<Channel";
+        appendNumberAttribute(text, " channel_id=\"", channel.m_channel_id);
+        appendNumberAttribute(text, " offset=\"", channel.m_offset);
+        appendNumberAttribute(text, " count=\"", channel.m_count);
+        appendNumberAttribute(text, " first_sample_index=\"", channel.m_first_sample_index);
+        appendNumberAttribute(text, " timestamp=\"", channel.m_timestamp);
+        appendNumberAttribute(text, " duration=\"", channel.m_duration);
+        text += "/>";
+    }
+    text += "</DataBlock>";
+    return text;
 }
 
 std::string writeDataRegions(const std::vector<zlr::DataRegion>& regions)

@@ -8,7 +8,7 @@ namespace {
 constexpr std::uint32_t TICK_BYTES = 8;
 constexpr std::uint32_t SIZE_BYTES = 4;
 
-void appendBytes(std::vector<unsigned char>& bytes, const void* data, std::size_t size)
+void appendBytes(BlockBytes& bytes, const void* data, std::size_t size)
 {
     const auto* first = static_cast<const unsigned char*>(data);
     bytes.insert(bytes.end(), first, first + size);
@@ -70,7 +70,7 @@ std::uint32_t payloadBytes(std::uint64_t tick)
 
 void appendRecords(const zlr::ChannelDescriptor& layout, std::uint64_t first_tick,
                    std::uint64_t count, const unsigned char* values,
-                   std::vector<unsigned char>& bytes)
+                   BlockBytes& bytes)
 {
     const std::size_t value_bytes = layout.m_size / 8;
     const RecordShape shape = shapeOf(layout);

@@ -4,6 +4,7 @@
 // payload of varying size behind the record.
 #pragma once
 
+#include "sim_block_bytes.h"
 #include "zlrapi_data_set_descriptor_xml.h"
 
 #include <cstdint>
@@ -34,6 +35,6 @@ std::uint32_t payloadBytes(std::uint64_t tick);
 // them) to `bytes`; `values` holds their values, layout.m_size / 8 bytes each.
 void appendRecords(const zlr::ChannelDescriptor& layout, std::uint64_t first_tick,
                    std::uint64_t count, const unsigned char* values,
-                   std::vector<unsigned char>& bytes);
+                   BlockBytes& bytes);
 
 } // namespace zelvar_sim

@@ -6,6 +6,7 @@
 #include "zlrapi_utils.h"
 #include "zlrbase_assert.h"
 #include "zlrbase_messages.h"
+#include "zlrfw_block_description.h"
 #include "zlrfw_callback_error.h"
 #include "zlrfw_stream_reader.h"
 #include "zlrfw_value_text.h"
@@ -83,7 +84,8 @@ bool blockListSpan(IfDataBlockList* blocks, double& begin, double& end)
     description.adopt(blocks->getDescription());
     const std::optional<std::string> text = xmlValueText(description.get());
     DataBlockList list;
-    if (!text || !list.parse(text->c_str(), text->size()) || list.m_intervals.empty()) {
+    if (!text || !readDataBlockListDescription(text->c_str(), text->size(), list) ||
+        list.m_intervals.empty()) {
         return false;
     }
     begin = list.m_intervals.front().m_begin;
@@ -552,7 +554,8 @@ SoftwareChannelInstance::createStreamIterators(const std::vector<StreamDescripto
         description.adopt(block->getDescription());
         const std::optional<std::string> text = xmlValueText(description.get());
         DataBlock layout;
-        if (text && layout.parse(text->c_str(), text->size()) && !layout.m_channels.empty()) {
+        if (text && readDataBlockDescription(text->c_str(), text->size(), layout) &&
+            !layout.m_channels.empty()) {
             // The bytes belong to the list, which outlives the block object.
             reader.addDataBlock(layout, block->getData());
         }

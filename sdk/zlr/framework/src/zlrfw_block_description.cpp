@@ -1,0 +1,305 @@
+#include "zlrfw_block_description.h"
+
+#include <cfloat>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace zlr::framework {
+namespace {
+
+constexpr std::string_view DECLARATION = "<?xml version=\"1.0\"?>";
+
+// Digits of the longest number that cannot overflow its field.
+constexpr std::size_t DIGITS_32 = 9;
+constexpr std::size_t DIGITS_64 = 19;
+
+bool isNameChar(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+// A walk over a description in the host's plain form. Every step answers
+// false at the first thing outside that form, and the caller then leaves
+// the text to the DOM reader.
+class PlainXml {
+public:
+    enum class Next { attribute, closed, opened, other };
+
+    PlainXml(const char* text, std::size_t length) : m_at(text), m_end(text + length) {}
+
+    bool atEnd() const { return m_at == m_end; }
+
+    bool take(std::string_view literal)
+    {
+        if (static_cast<std::size_t>(m_end - m_at) < literal.size() ||
+            std::memcmp(m_at, literal.data(), literal.size()) != 0) {
+            return false;
+        }
+        m_at += literal.size();
+        return true;
+    }
+
+    // "<name" followed by a space, "/>" or ">", which stay for attribute().
+    bool open(std::string_view name)
+    {
+        const char* const before = m_at;
+        if (take("<") && take(name) && m_at < m_end && (*m_at == ' ' || *m_at == '/' || *m_at == '>')) {
+            return true;
+        }
+        m_at = before;
+        return false;
+    }
+
+    // The next attribute of an opened tag, or the tag's end.
+    Next attribute(std::string_view& name, std::string_view& value)
+    {
+        if (take("/>")) {
+            return Next::closed;
+        }
+        if (take(">")) {
+            return Next::opened;
+        }
+        if (!take(" ")) {
+            return Next::other;
+        }
+        const char* const name_begin = m_at;
+        while (m_at < m_end && isNameChar(*m_at)) {
+            ++m_at;
+        }
+        name = std::string_view(name_begin, static_cast<std::size_t>(m_at - name_begin));
+        if (name.empty() || !take("=\"")) {
+            return Next::other;
+        }
+        const char* const value_begin = m_at;
+        while (m_at < m_end && *m_at != '"') {
+            if (*m_at == '&' || *m_at == '<') {
+                return Next::other;
+            }
+            ++m_at;
+        }
+        if (m_at == m_end) {
+            return Next::other;
+        }
+        value = std::string_view(value_begin, static_cast<std::size_t>(m_at - value_begin));
+        ++m_at;
+        return Next::attribute;
+    }
+
+private:
+    const char* m_at;
+    const char* m_end;
+};
+
+// Plain decimal digits, short enough that no reader can overflow on them.
+bool plainUnsigned(std::string_view text, std::size_t max_digits, std::uint64_t& value)
+{
+    if (text.empty() || text.size() > max_digits) {
+        return false;
+    }
+    value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') {
+            return false;
+        }
+        value = value * 10 + static_cast<std::uint64_t>(c - '0');
+    }
+    return true;
+}
+
+// A number that strtod reads whole to the same double without a range error.
+bool plainDouble(std::string_view text, double& value)
+{
+    bool nonzero_digit = false;
+    bool in_exponent = false;
+    for (const char c : text) {
+        const bool digit = c >= '0' && c <= '9';
+        if (!digit && c != '.' && c != 'e' && c != 'E' && c != '-' && c != '+') {
+            return false;
+        }
+        in_exponent = in_exponent || c == 'e' || c == 'E';
+        nonzero_digit = nonzero_digit || (digit && c != '0' && !in_exponent);
+    }
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end) {
+        return false;
+    }
+    // strtod calls a result below the normal range out of range, and the
+    // reader refuses it; so does a non-zero number that came out as zero.
+    return !(value != 0.0 && std::fabs(value) < DBL_MIN) && !(value == 0.0 && nonzero_digit);
+}
+
+// Reads the attributes of a tag that must close itself, each of `names`
+// exactly once; read(index, value) answers false for a value it refuses.
+template <std::size_t N, typename Read>
+bool closedTag(PlainXml& xml, const std::string_view (&names)[N], Read read)
+{
+    unsigned seen = 0;
+    std::string_view name;
+    std::string_view value;
+    for (;;) {
+        switch (xml.attribute(name, value)) {
+        case PlainXml::Next::attribute: {
+            std::size_t k = 0;
+            while (k < N && names[k] != name) {
+                ++k;
+            }
+            if (k == N || (seen & (1u << k)) != 0 || !read(k, value)) {
+                return false;
+            }
+            seen |= 1u << k;
+            break;
+        }
+        case PlainXml::Next::closed:
+            return seen == (1u << N) - 1;
+        default:
+            return false;
+        }
+    }
+}
+
+bool readPlainDataBlock(const char* text, std::size_t length, DataBlock& block)
+{
+    PlainXml xml(text, length);
+    xml.take(DECLARATION);
+    if (!xml.open("DataBlock")) {
+        return false;
+    }
+    bool seen_stream = false;
+    bool seen_size = false;
+    std::string_view name;
+    std::string_view value;
+    for (bool reading = true; reading;) {
+        switch (xml.attribute(name, value)) {
+        case PlainXml::Next::attribute:
+            if (name == "stream_id" && !seen_stream) {
+                seen_stream = plainUnsigned(value, DIGITS_64, block.m_stream_id);
+                if (!seen_stream) {
+                    return false;
+                }
+            } else if (name == "data_size" && !seen_size) {
+                seen_size = plainUnsigned(value, DIGITS_64, block.m_data_size);
+                if (!seen_size) {
+                    return false;
+                }
+            } else {
+                return false;
+            }
+            break;
+        case PlainXml::Next::closed:
+            return seen_stream && seen_size && xml.atEnd();
+        case PlainXml::Next::opened:
+            reading = false;
+            break;
+        default:
+            return false;
+        }
+    }
+    static const std::string_view CHANNEL[] = {"channel_id",         "offset",    "count",
+                                               "first_sample_index", "timestamp", "duration"};
+    while (!xml.take("</DataBlock>")) {
+        DataBlockChannel channel;
+        const auto read = [&channel](std::size_t k, std::string_view number) {
+            std::uint64_t parsed = 0;
+            if (!plainUnsigned(number, k == 1 ? DIGITS_32 : DIGITS_64, parsed)) {
+                return false;
+            }
+            switch (k) {
+            case 0: channel.m_channel_id = parsed; break;
+            case 1: channel.m_offset = static_cast<std::uint32_t>(parsed); break;
+            case 2: channel.m_count = parsed; break;
+            case 3: channel.m_first_sample_index = parsed; break;
+            case 4: channel.m_timestamp = parsed; break;
+            default: channel.m_duration = parsed; break;
+            }
+            return true;
+        };
+        if (!xml.open("Channel") || !closedTag(xml, CHANNEL, read)) {
+            return false;
+        }
+        block.m_channels.push_back(channel);
+    }
+    return seen_stream && seen_size && xml.atEnd();
+}
+
+bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList& list)
+{
+    PlainXml xml(text, length);
+    xml.take(DECLARATION);
+    if (!xml.open("DataBlockList")) {
+        return false;
+    }
+    std::string_view name;
+    std::string_view value;
+    std::uint64_t count = 0;
+    if (xml.attribute(name, value) != PlainXml::Next::attribute || name != "block_count" ||
+        !plainUnsigned(value, DIGITS_32, count)) {
+        return false;
+    }
+    list.m_block_count = static_cast<std::uint32_t>(count);
+    switch (xml.attribute(name, value)) {
+    case PlainXml::Next::closed:
+        return xml.atEnd();
+    case PlainXml::Next::opened:
+        break;
+    default:
+        return false;
+    }
+    static const std::string_view INTERVAL[] = {"begin", "end"};
+    static const std::string_view REGION[] = {"channel_id", "begin", "end"};
+    while (!xml.take("</DataBlockList>")) {
+        if (xml.take("<Intervals>")) {
+            while (!xml.take("</Intervals>")) {
+                DataInterval interval;
+                const auto read = [&interval](std::size_t k, std::string_view number) {
+                    return plainDouble(number, k == 0 ? interval.m_begin : interval.m_end);
+                };
+                if (!xml.open("Interval") || !closedTag(xml, INTERVAL, read)) {
+                    return false;
+                }
+                list.m_intervals.push_back(interval);
+            }
+        } else if (xml.take("<InvalidRegions>")) {
+            while (!xml.take("</InvalidRegions>")) {
+                DataRegion region;
+                const auto read = [&region](std::size_t k, std::string_view number) {
+                    std::uint64_t& field =
+                        k == 0 ? region.m_channel_id : (k == 1 ? region.m_begin : region.m_end);
+                    return plainUnsigned(number, DIGITS_64, field);
+                };
+                if (!xml.open("DataRegion") || !closedTag(xml, REGION, read)) {
+                    return false;
+                }
+                list.m_regions.push_back(region);
+            }
+        } else {
+            return false;
+        }
+    }
+    return xml.atEnd();
+}
+
+} // namespace
+
+bool readDataBlockDescription(const char* text, std::size_t length, DataBlock& block)
+{
+    block = DataBlock();
+    if (text && readPlainDataBlock(text, length, block)) {
+        return true;
+    }
+    return block.parse(text, length);
+}
+
+bool readDataBlockListDescription(const char* text, std::size_t length, DataBlockList& list)
+{
+    list = DataBlockList();
+    if (text && readPlainDataBlockList(text, length, list)) {
+        return true;
+    }
+    return list.parse(text, length);
+}
+
+} // namespace zlr::framework
