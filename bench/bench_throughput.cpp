@@ -6,8 +6,9 @@
 //
 //   zelvar-sim run FILE -o /dev/null -q
 //
-// with one core (OMP_NUM_THREADS=1 and an affinity of one CPU) and with all
-// cores, and reports its wall time, its processor time, input samples per
+// with one core (OMP_NUM_THREADS=1 and an affinity of one CPU), with all
+// cores at the command's default (one thread a transform), and, for the
+// minute, with all cores and --threads 2; it reports its wall time, its processor time, input samples per
 // second, the real-time factor, the ratio to numpy and the peak resident
 // memory that wait4 gives. Before the cases run, both programs measure the
 // one-minute file once and their values are compared, so that the peer is
@@ -173,9 +174,14 @@ ChildRun runChild(const std::vector<std::string>& argv, bool one_core,
     return run;
 }
 
-std::vector<std::string> oursArgs(const std::string& file, const std::string& output)
+std::vector<std::string> oursArgs(const std::string& file, const std::string& output,
+                                  int threads = 0)
 {
-    return {ZELVAR_SIM, "run", file, "-o", output, "-q"};
+    std::vector<std::string> args{ZELVAR_SIM, "run", file, "-o", output, "-q"};
+    if (threads > 0) {
+        args.insert(args.end(), {"--threads", std::to_string(threads)});
+    }
+    return args;
 }
 
 std::vector<std::string> numpyArgs(const std::string& file, const std::string& output = "")
@@ -233,14 +239,17 @@ void BM_Numpy(benchmark::State& state)
     }
 }
 
-// Arguments: seconds of recording, cores (0: all of them).
+// Arguments: seconds of recording, cores (1: one core; 0: all of them with
+// the command's default of one thread a transform; 2: all of them with
+// --threads 2, the engine's own team).
 void BM_ZelvarSimRun(benchmark::State& state)
 {
     const long seconds = state.range(0);
     const bool one_core = state.range(1) == 1;
+    const int threads = state.range(1) == 2 ? 2 : 0;
     const std::string& file = recording(seconds);
     for (auto _ : state) {
-        const ChildRun run = runChild(oursArgs(file, "/dev/null"), one_core);
+        const ChildRun run = runChild(oursArgs(file, "/dev/null", threads), one_core);
         report(state, seconds, run, one_core ? 1 : static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)));
         std::vector<double> walls;
         std::vector<double> cpus;
@@ -319,7 +328,7 @@ bool peersAgree()
 BENCHMARK(BM_Numpy)->Arg(60)->Arg(3600)->ArgNames({"seconds"})->Iterations(1)->UseManualTime()
     ->Unit(benchmark::kSecond);
 BENCHMARK(BM_ZelvarSimRun)
-    ->Args({60, 1})->Args({60, 0})->Args({3600, 1})->Args({3600, 0})
+    ->Args({60, 1})->Args({60, 0})->Args({60, 2})->Args({3600, 1})->Args({3600, 0})
     ->ArgNames({"seconds", "cores"})->Iterations(1)->UseManualTime()->Unit(benchmark::kSecond);
 
 int main(int argc, char** argv)
