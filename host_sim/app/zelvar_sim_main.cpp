@@ -78,7 +78,17 @@ int main(int argc, char** argv)
     zelvar_sim::RunCommandOptions run_files;
     CLI::App* run_command = zelvar_sim::addRunCommand(app, run_files, plugin_path);
     addValidateCommand(app);
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {
+            return app.exit(error); // the help that was asked for
+        }
+        // A mistake on the command line is bad input like any other: one
+        // line, status 2.
+        std::cerr << "zelvar-sim: " << error.what() << " (see --help)\n";
+        return 2;
+    }
 
     zelvar_sim::LogSink log_sink(std::cerr, log_level);
     try {

@@ -172,6 +172,7 @@ TEST(RunCommand, BadInputIsOneLineAndWritesNothing)
         {"missing.wav", 2, "missing.wav"}, {"noise.wav", 2, "noise.wav"},
         {"bad.csv --sample-rate 100", 2, "bad.csv:4"}, {"tone.csv", 2, "tone.csv"},
         {"tone.csv --sample-rate 0", 2, "sample rate"}, {"tone.wav --channels 7", 2, "7"},
+        {"tone.wav --block-duration x", 2, "--block-duration"}, {"tone.wav --jobs", 2, "--jobs"},
         {"tone.wav --min-frequency 3000 --max-frequency 1000", 3,
          "Minimum frequency is larger than maximum frequency"},
         {"tone.wav --max-frequency 4500", 3, "MaxFrequency"},
