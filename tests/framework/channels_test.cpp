@@ -234,46 +234,6 @@ TEST_F(PluginChannelsTest, RemovedChannelsFallSilentAndLeaveTheirChildrenAsRoots
     EXPECT_TRUE(asserts.reported().empty());
 }
 
-TEST_F(PluginChannelsTest, TasksComeUpOnlyWhenValidAndGoDownBeforeEachChange)
-{
-    RecordingWorker worker(journal);
-    const auto task = channels->addTask(&worker, 0);
-    const auto out = channels->addChannel();
-    task->addOutputChannel(out);
-
-    channels->commitChanges(true);
-    EXPECT_TRUE(host.messagesWithId(HOST_ADD_TASK).empty()) << "not valid";
-    task->setValid(true);
-    channels->commitChanges(false);
-    EXPECT_TRUE(host.messagesWithId(HOST_ADD_TASK).empty()) << "not asked to register";
-    channels->commitChanges(true);
-    EXPECT_EQ(host.messagesWithId(HOST_ADD_TASK).size(), 1u);
-    channels->commitChanges(true);
-    EXPECT_EQ(host.messagesWithId(HOST_ADD_TASK).size(), 1u) << "registered once";
-
-    const std::vector<std::function<void()>> changes = {
-        [&] { task->addInputChannel(3); },
-        [&] { task->clearInputChannels(); },
-        [&] { task->addOutputChannel(channels->addChannel()); },
-        [&] { task->removeOutputChannel(out); },
-    };
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        host.clearMessages();
-        changes[i]();
-        const auto removed = host.messagesWithId(HOST_REMOVE_TASK);
-        ASSERT_EQ(removed.size(), 1u) << i;
-        EXPECT_EQ(removed[0].key, task->getId());
-        channels->commitChanges(true);
-        EXPECT_EQ(host.messagesWithId(HOST_ADD_TASK).size(), 1u) << i;
-    }
-
-    host.clearMessages();
-    channels->removeTask(task);
-    EXPECT_EQ(host.messagesWithId(HOST_REMOVE_TASK).size(), 1u);
-    channels->commitChanges(true);
-    EXPECT_TRUE(host.messagesWithId(HOST_ADD_TASK).empty());
-}
-
 TEST_F(PluginChannelsTest, ConfigUpdateAnswersWithWhatWasAccepted)
 {
     RecordingWorker worker(journal);
@@ -326,27 +286,6 @@ TEST_F(PluginChannelsTest, ConfigUpdateAnswersWithWhatWasAccepted)
                    R"(<UpdateConfig protocol_version="1.0"><Channel local_id="42"><Property name="Overlap"><DoubleValue>1</DoubleValue></Property></Channel></UpdateConfig>)"),
               0u);
     EXPECT_TRUE(sentIds().empty()) << "an empty reply sends nothing";
-}
-
-TEST_F(PluginChannelsTest, UnreadableValuesAnswerOneAndChangeNothing)
-{
-    RecordingWorker worker(journal);
-    const auto task = channels->addTask(&worker, 0);
-    task->addInputChannel(6);
-    ASSERT_EQ(send(PLUGIN_CHANNEL_STATUS, 0, R"(<Channels><Channel channel_id="0"/></Channels>)"), 0u);
-    const std::uint32_t ids[] = {PLUGIN_CONFIG_UPDATE, PLUGIN_CHANNEL_DATA_FORMAT,
-                                 PLUGIN_CHANNEL_CONFIG_CHANGED, PLUGIN_CHANNEL_STATUS};
-    for (const std::uint32_t id : ids) {
-        EXPECT_EQ(channels->pluginMessage(id, 0, nullptr, nullptr), 1u) << id;
-        zlrbase_api_object_ptr<IfStringValue> text = createTypedValue<IfStringValue>(&host);
-        text->set(R"(<Channels><Channel channel_id="1"/></Channels>)");
-        EXPECT_EQ(channels->pluginMessage(id, 0, text.get(), nullptr), 1u) << id;
-        for (const char* bad : {"<Channels", "", "<Other/>"}) {
-            EXPECT_EQ(send(id, 0, bad), 1u) << id << " " << bad;
-        }
-    }
-    EXPECT_TRUE(journal.empty());
-    EXPECT_EQ(channels->addChannel()->getLocalId(), 1u) << "the host's list stands";
 }
 
 TEST_F(PluginChannelsTest, InputChangesStopAllAffectedTasksBeforeTellingAny)

@@ -581,37 +581,4 @@ TEST(SoftwareChannelPluginTest, LifeOfOneInstance)
     EXPECT_EQ(host.valuesOutsideTree(), 0);
 }
 
-TEST(SoftwareChannelPluginTest, AHostOfAnOldOrUnreadableVersionIsRefused)
-{
-    test::LogCapture log(6);
-    zelvar_sim::SimHost host;
-    struct Case {
-        std::string version;
-        std::uint64_t answer;
-        std::string logged;
-    };
-    const Case cases[] = {
-        {"5.5.9", RESULT_HOST_VERSION_REFUSED, ""},
-        {"6", RESULT_OK, ""},
-        {"5.x", RESULT_HOST_VERSION_REFUSED, ""},
-        {"99999999999999999999", RESULT_HOST_VERSION_REFUSED, ""},
-    };
-    for (const Case& c : cases) {
-        log.clear();
-        host.setIdentity("Zelvar", c.version);
-        ProbePlugin plugin;
-        plugin.setPluginHost(&host);
-        EXPECT_EQ(plugin.pluginMessage(PLUGIN_INIT, 0, nullptr, nullptr), c.answer) << c.version;
-        const auto records = log.messages();
-        if (c.logged.empty()) {
-            EXPECT_TRUE(records.empty());
-        } else {
-            ASSERT_EQ(records.size(), 1u);
-            EXPECT_EQ(records[0].first, 6u);
-            EXPECT_EQ(records[0].second, c.logged);
-        }
-    }
-    EXPECT_EQ(host.valuesOutsideTree(), 0);
-}
-
 } // namespace

@@ -154,6 +154,7 @@ TEST_F(DataScenario, ResultsDoNotDependOnHowTheHostCutsTheData)
     const zelvar_sim::RunOptions cuts[] = {
         {.block_duration = 0.01, .process_interval = 0.1, .mode = ProcessMode::stream},
         {.block_duration = 0.1, .process_interval = 0.05, .mode = ProcessMode::stream},
+        {.block_duration = 0.01, .process_interval = 0.1, .mode = ProcessMode::stream, .blocks_per_request = 3},
         {.block_duration = 1.0, .process_interval = 0.37, .mode = ProcessMode::stream},
         {.block_duration = 0.01, .process_interval = 0.023, .mode = ProcessMode::time_stamped},
         {.block_duration = 0.1, .process_interval = 0.5, .mode = ProcessMode::time_stamped},
