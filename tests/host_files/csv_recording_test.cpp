@@ -3,7 +3,6 @@
 // same values.
 #include "sim_csv_recording.h"
 #include "sim_frequency_table.h"
-#include "sim_sound_file_recording.h"
 #include "test_files.h"
 
 #include <gtest/gtest.h>
@@ -82,36 +81,6 @@ TEST(CsvRecording, DeliversColumnsWithTheirGaps)
                                             reinterpret_cast<unsigned char*>(whole.data())))
                     << "a read into the gap behind a span";
             }
-        }
-    }
-}
-
-TEST(CsvRecording, SameSignalAsWavAndAsCsvDeliversTheSameValues)
-{
-    const auto folder = test::testFolder();
-    const std::size_t frames = 3000;
-    std::vector<float> interleaved(frames * 2);
-    std::ostringstream csv;
-    csv << "a,b\n";
-    for (std::size_t i = 0; i < frames; ++i) {
-        interleaved[2 * i] = static_cast<float>(std::sin(0.01 * static_cast<double>(i)));
-        interleaved[2 * i + 1] = static_cast<float>(1e-3 * static_cast<double>(i));
-        csv << numberText(interleaved[2 * i]) << ',' << numberText(interleaved[2 * i + 1])
-            << '\n';
-    }
-    test::writeSoundFile(folder / "signal.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 2, 1000,
-                         interleaved);
-    test::writeText(folder / "signal.csv", csv.str());
-    const RecordingFile wav = SoundFileRecording::open((folder / "signal.wav").string());
-    const RecordingFile table = CsvRecording::open((folder / "signal.csv").string(), 1000.0,
-                                                   {.bytes = 1000});
-    for (std::size_t c = 0; c < 2; ++c) {
-        const std::vector<float> from_wav = test::readAll<float>(*wav.inputs[c].recording, {frames});
-        const std::vector<double> from_csv =
-            test::readAll<double>(*table.inputs[c].recording, {1, 999, 17});
-        ASSERT_EQ(from_csv.size(), from_wav.size());
-        for (std::size_t i = 0; i < frames; ++i) {
-            ASSERT_EQ(from_csv[i], static_cast<double>(from_wav[i])) << "channel " << c << " sample " << i;
         }
     }
 }
