@@ -23,6 +23,7 @@
 #include <iterator>
 #include <fstream>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <iostream>
 #include <stdexcept>
@@ -39,6 +40,11 @@ struct Session {
     std::shared_ptr<const SharedFrameReader> reader;
     double duration = 0.0;           // s, of the longest input
     double samples_per_second = 0.0; // of all inputs together
+    std::vector<std::size_t> file_channels{}; // each input's channel in the file
+    // A part of a file whose other parts run in other children at the same
+    // time: it reads through a reader of its own, as the file offset of the
+    // one opened before the fork is shared with them.
+    bool shares_file = false;
 };
 
 void measure(Session& session)
@@ -102,18 +108,29 @@ std::vector<Session> openSessions(const RunCommandOptions& options)
         return sessions;
     }
     std::vector<RecordingFile> files;
+    std::vector<std::vector<std::size_t>> channels_of_files;
     for (const std::string& path : options.inputs) {
         RecordingFile file = openRecordingFile(path, options.sample_rate);
         file.sample_rate = options.sample_rate.value_or(file.sample_rate);
-        file.inputs = pickedInputs(path, file.inputs, options.channels);
+        const std::vector<FileInput> all = std::move(file.inputs);
+        file.inputs = pickedInputs(path, all, options.channels);
         if (file.inputs.empty()) {
             throw FileError(path + ": no channels to run on");
+        }
+        std::vector<std::size_t>& channels = channels_of_files.emplace_back();
+        for (const FileInput& picked : file.inputs) {
+            channels.push_back(static_cast<std::size_t>(
+                std::find_if(all.begin(), all.end(),
+                             [&](const FileInput& one) { return one.recording == picked.recording; }) -
+                all.begin()));
         }
         files.push_back(std::move(file));
     }
     makeLongNamesUnique(files);
-    for (const RecordingFile& file : files) {
+    for (std::size_t f = 0; f < files.size(); ++f) {
+        const RecordingFile& file = files[f];
         Session session{file.path, {}, file.reader};
+        session.file_channels = channels_of_files[f];
         for (const FileInput& input : file.inputs) {
             session.inputs.push_back(
                 {input.long_name, file.sample_rate, asDoubles(input.recording), file.format});
@@ -122,6 +139,80 @@ std::vector<Session> openSessions(const RunCommandOptions& options)
         sessions.push_back(std::move(session));
     }
     return sessions;
+}
+
+// Whether the run's output is the same when a file's channels run in host
+// sessions of their own. The readable table shows the session (its input
+// ids, one column per output), a trace is one session's conversation and a
+// saved record holds the channel with all its inputs, so those keep the
+// session whole.
+bool channelsMayRunApart(const RunCommandOptions& options)
+{
+    const bool readable_table = options.output.empty() && !options.quiet;
+    return !readable_table && options.trace.empty() && options.save_config.empty() &&
+           options.load_config.empty();
+}
+
+// A channel's settings follow from the window and the sample rate alone, and
+// its values from its own samples, as long as every input of the channel has
+// the same rate; an input picked twice shares one output and stays whole.
+bool inputsAreIndependent(const Session& session)
+{
+    std::set<std::string> names;
+    for (const DemoInput& input : session.inputs) {
+        if (input.sample_rate != session.inputs.front().sample_rate ||
+            !names.insert(input.long_name).second) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// With fewer files than jobs, each file's channels go to host sessions of
+// their own, in groups of neighbours, so that the sessions' series joined
+// in order are those of the whole file.
+std::vector<Session> splitChannels(std::vector<Session> sessions, unsigned jobs)
+{
+    if (jobs <= sessions.size()) {
+        return sessions;
+    }
+    const std::size_t parts_per_file = jobs / sessions.size();
+    std::vector<Session> split;
+    for (Session& session : sessions) {
+        const std::size_t count = session.inputs.size();
+        const std::size_t parts = std::min(count, parts_per_file);
+        if (parts < 2 || !inputsAreIndependent(session)) {
+            split.push_back(std::move(session));
+            continue;
+        }
+        for (std::size_t part = 0; part < parts; ++part) {
+            const auto first = static_cast<std::ptrdiff_t>(part * count / parts);
+            const auto last = static_cast<std::ptrdiff_t>((part + 1) * count / parts);
+            Session one{session.file, {}, session.reader};
+            one.inputs.assign(session.inputs.begin() + first, session.inputs.begin() + last);
+            if (session.reader) {
+                one.file_channels.assign(session.file_channels.begin() + first,
+                                         session.file_channels.begin() + last);
+                one.shares_file = true;
+            }
+            measure(one);
+            split.push_back(std::move(one));
+        }
+    }
+    return split;
+}
+
+// Throws FileError when the file no longer opens as it did.
+void readThroughOwnReader(Session& part, const RunCommandOptions& options)
+{
+    const RecordingFile file = openRecordingFile(part.file, options.sample_rate);
+    part.reader = file.reader;
+    for (std::size_t k = 0; k < part.inputs.size(); ++k) {
+        if (part.file_channels[k] >= file.inputs.size()) {
+            throw FileError(part.file + ": changed during the run");
+        }
+        part.inputs[k].recording = asDoubles(file.inputs[part.file_channels[k]].recording);
+    }
 }
 
 std::vector<SettingEdit> settingEdits(const RunCommandOptions& options)
@@ -383,8 +474,11 @@ CLI::App* addRunCommand(CLI::App& app, RunCommandOptions& options, std::string& 
                     "(default: a new channel)")
         ->type_name("FILE");
     run->add_option("-j,--jobs", options.jobs,
-                    "with several INPUT files, run this many host sessions side by side in child "
-                    "processes (default: the number of processors)")
+                    "run this many host sessions side by side in child processes: one per INPUT "
+                    "file, and with fewer files than jobs a file's channels split over them when "
+                    "the table goes to --output or with --quiet, without --trace, --save-config or "
+                    "--load-config; the output is the same as with --jobs 1 (default: the number "
+                    "of processors)")
         ->type_name("N")
         ->capture_default_str();
     run->add_option("--threads", options.threads,
@@ -414,7 +508,10 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
         if (options.jobs == 0) {
             throw FileError("--jobs: at least 1");
         }
-        const std::vector<Session> sessions = openSessions(options);
+        std::vector<Session> sessions = openSessions(options);
+        if (channelsMayRunApart(options)) {
+            sessions = splitChannels(std::move(sessions), options.jobs);
+        }
         const TransformThreads threads(options.threads);
         std::ofstream trace_file;
         if (!options.trace.empty()) {
@@ -462,6 +559,13 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
                 names, options.jobs, scratch,
                 [&](std::size_t k) {
                     omp_set_num_threads(static_cast<int>(options.threads));
+                    if (sessions[k].shares_file) {
+                        try {
+                            readThroughOwnReader(sessions[k], options);
+                        } catch (const FileError& error) {
+                            return failedSession(2, error.what());
+                        }
+                    }
                     std::ofstream part;
                     if (trace_file.is_open()) {
                         part.open(scratch.file("trace" + std::to_string(k)));

@@ -2,6 +2,7 @@
 
 #include "sim_file_error.h"
 
+#include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -124,6 +125,12 @@ std::vector<SessionOutcome> runInChildren(const std::vector<std::string>& names,
 
 unsigned processorCount()
 {
+    // A run pinned to some processors (taskset, a container's share) counts
+    // only those.
+    cpu_set_t allowed;
+    if (sched_getaffinity(0, sizeof allowed, &allowed) == 0 && CPU_COUNT(&allowed) > 0) {
+        return static_cast<unsigned>(CPU_COUNT(&allowed));
+    }
     const long online = sysconf(_SC_NPROCESSORS_ONLN);
     return online > 0 ? static_cast<unsigned>(online) : 1u;
 }

@@ -37,7 +37,7 @@ std::vector<SessionOutcome> runInChildren(const std::vector<std::string>& names,
                                           const std::function<SessionOutcome(std::size_t)>& run,
                                           const std::function<void()>& waiting);
 
-// The number of processors online, at least 1.
+// The number of processors this process may run on, at least 1.
 unsigned processorCount();
 
 } // namespace zelvar_sim

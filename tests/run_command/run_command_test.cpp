@@ -158,6 +158,16 @@ TEST(RunCommand, JobsGiveTheTableOfOneAfterTheOther)
     EXPECT_EQ(readText(dir / "two.csv"), table);
     EXPECT_LT(table.find("\ntone.csv,tone,"), table.find("\ntone.wav,tone_2,"));
     EXPECT_LT(table.find("\ntone.wav,tone_2,"), table.find("\nagain.wav,again,"));
+    // One file's channels split over the jobs: the same table and summaries.
+    const std::string channels = "tone.csv --sample-rate 8000 --channels other,tone,0 ";
+    ASSERT_EQ(runSim(dir, channels + "--jobs 1 -o one.csv"), 0);
+    const std::string summaries = readText(dir / "stdout.txt");
+    for (const char* jobs : {"--jobs 2", "--jobs 3"}) {
+        ASSERT_EQ(runSim(dir, channels + jobs + " -o split.csv"), 0);
+        EXPECT_EQ(readText(dir / "split.csv"), readText(dir / "one.csv")) << jobs;
+        EXPECT_EQ(readText(dir / "stdout.txt"), summaries) << jobs;
+    }
+    EXPECT_NE(readText(dir / "one.csv").find("\ntone_2,"), std::string::npos);
     EXPECT_EQ(runSim(dir, "tone.wav again.wav --jobs 2 --max-frequency 4500 -o refused.csv"), 3);
     EXPECT_EQ(readText(dir / "stderr.txt").find("zelvar-sim: setting not taken"), 0u);
     EXPECT_FALSE(fs::exists(dir / "refused.csv"));
