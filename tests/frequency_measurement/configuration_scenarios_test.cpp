@@ -196,6 +196,8 @@ TEST_F(ConfigurationScenario, UnusableMessagesAnswerCodesAndChangeNothing)
         {zlr::PLUGIN_CONFIG_UPDATE, 0, nullptr, zlr::RESULT_BAD_ARGUMENT},
         {zlr::PLUGIN_CHANNELS_CHECK, 0, "no channels here", zlr::RESULT_BAD_ARGUMENT},
         {zlr::PLUGIN_CHANNEL_DATA_FORMAT, 0, "<Channel channel_id=\"1\"/>", zlr::RESULT_BAD_ARGUMENT},
+        {zlr::PLUGIN_CHANNEL_STATUS, 0, "<Channels", zlr::RESULT_BAD_ARGUMENT},
+        {zlr::PLUGIN_CHANNEL_CONFIG_CHANGED, 0, "<Other/>", zlr::RESULT_BAD_ARGUMENT},
         {zlr::PLUGIN_TASK_PROCESS, task + 100, nullptr, zlr::RESULT_NOT_HANDLED},
         // Before any preparation, and with a start that holds no time.
         {zlr::PLUGIN_TASK_PROCESS, task, "<Start/>", zlr::RESULT_OK},
