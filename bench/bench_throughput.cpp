@@ -7,7 +7,8 @@
 //   zelvar-sim run FILE -o /dev/null -q
 //
 // with one core (OMP_NUM_THREADS=1 and an affinity of one CPU), with all
-// cores at the command's default (one thread a transform), and, for the
+// cores at the command's default (one thread a transform, the channels
+// split over as many sessions as there are processors), and, for the
 // minute, with all cores and --threads 2; it reports its wall time, its processor time, input samples per
 // second, the real-time factor, the ratio to numpy and the peak resident
 // memory that wait4 gives. Before the cases run, both programs measure the
