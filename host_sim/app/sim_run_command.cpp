@@ -558,7 +558,6 @@ int runRunCommand(PluginLibrary& library, const RunCommandOptions& options, std:
             outcomes = runInChildren(
                 names, options.jobs, scratch,
                 [&](std::size_t k) {
-                    omp_set_num_threads(static_cast<int>(options.threads));
                     if (sessions[k].shares_file) {
                         try {
                             readThroughOwnReader(sessions[k], options);
