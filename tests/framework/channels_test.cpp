@@ -254,8 +254,6 @@ TEST_F(PluginChannelsTest, ConfigUpdateAnswersWithWhatWasAccepted)
     const std::vector<Case> cases = {
         {"both taken", R"(<Property name="Overlap"><ScalarValue><Value>10</Value><Unit>%</Unit></ScalarValue></Property><Property name="Status"><StringValue>new</StringValue></Property>)",
          10, "new"},
-        {"out of range keeps the old value", R"(<Property name="Overlap"><DoubleValue>95</DoubleValue></Property>)",
-         10, "new"},
         {"wrong type is dropped, the next one taken", R"(<Property name="Status"><ScalarValue><Value>1</Value><Unit>%</Unit></ScalarValue></Property><Property name="Overlap"><DoubleValue>90</DoubleValue></Property>)",
          90, "new"},
         {"unknown names pass", R"(<Property name="Nope"><DoubleValue>1</DoubleValue></Property>)", 90,

@@ -66,7 +66,6 @@ TEST(EditableScalarPropertyTest, UpdateKeepsToLimitsAndUnits)
         {"below the lower limit", 0, 90, "%", doubleValue(-1e-300), false, 7, "%"},
         {"NaN passes every limit test", 0, 90, "%", doubleValue(NaN), true, NaN, "%"},
         {"min above max means no limits", 1, 0, "", doubleValue(-1e300), true, -1e300, ""},
-        {"no limits take NaN", 1, 0, "", doubleValue(NaN), true, NaN, ""},
         {"equal limits take their value", 5, 5, "s", doubleValue(5), true, 5, "s"},
         {"equal limits refuse a neighbour", 5, 5, "s", doubleValue(std::nextafter(5.0, 6.0)),
          false, 7, "s"},
@@ -77,7 +76,6 @@ TEST(EditableScalarPropertyTest, UpdateKeepsToLimitsAndUnits)
          "kHz"},
         {"unit comparison is by bytes", 0, 1e9, "Hz", scalarValue(5, "hz"), false, 7, "Hz"},
         {"a text is no number", 1, 0, "", Property("p", "5"), false, 7, ""},
-        {"a boolean is no number", 1, 0, "", Property("p", true), false, 7, ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -379,10 +377,10 @@ TEST(EditableStringPropertyTest, PatternDecidesWhatTheHostMaySet)
     }
 }
 
+// A scalar, a range and a text held raw become typed in the channels'
+// restore test; here the quirks.
 TEST(RawPropertyHolderTest, TypedClassesTakeTheHeldValue)
 {
-    EXPECT_EQ(EditableScalarProperty(RawPropertyHolder(scalarValue(50, "%"))).getScalar(),
-              Scalar(50, "%"));
     EXPECT_EQ(EditableScalarProperty(RawPropertyHolder(doubleValue(0.5))).getScalar(),
               Scalar(0.5, ""));
     // Another type, no type, a number that does not convert: the defaults.
@@ -396,11 +394,7 @@ TEST(RawPropertyHolderTest, TypedClassesTakeTheHeldValue)
         EXPECT_EQ(typed.getMin(), 1.0);
         EXPECT_EQ(typed.getMax(), 0.0);
     }
-    Property range("Range");
-    range.setValue(Range(1, 2, "Hz"));
-    EXPECT_EQ(RangeProperty(RawPropertyHolder(range)).getValue(), Range(1, 2, "Hz"));
     EXPECT_EQ(RangeProperty(RawPropertyHolder(Property("Range", "1..2"))).getValue(), Range());
-    EXPECT_EQ(EditableStringProperty(RawPropertyHolder(Property("Unit", "Hz"))).getValue(), "Hz");
 
     RawPropertyHolder holder(Property("p", "a"));
     EXPECT_TRUE(holder.update(scalarValue(1, "V")));

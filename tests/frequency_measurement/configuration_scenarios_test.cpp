@@ -177,8 +177,9 @@ TEST_F(ConfigurationScenario, RestoreUnderNewInputIdsKeepsTheChannel)
     }
 }
 
-// Messages the plug-in cannot use answer their codes and change nothing;
-// no exception reaches the host, and the channel runs on.
+// Messages the plug-in cannot use, or that name nothing of its own, answer
+// their codes and change nothing; no exception reaches the host, and the
+// channel runs on.
 TEST_F(ConfigurationScenario, UnusableMessagesAnswerCodesAndChangeNothing)
 {
     addInput(1, "Tone", 10000.0, someTone(10000.0));
@@ -199,6 +200,14 @@ TEST_F(ConfigurationScenario, UnusableMessagesAnswerCodesAndChangeNothing)
         {zlr::PLUGIN_CHANNEL_STATUS, 0, "<Channels", zlr::RESULT_BAD_ARGUMENT},
         {zlr::PLUGIN_CHANNEL_CONFIG_CHANGED, 0, "<Other/>", zlr::RESULT_BAD_ARGUMENT},
         {zlr::PLUGIN_TASK_PROCESS, task + 100, nullptr, zlr::RESULT_NOT_HANDLED},
+        {zlr::PLUGIN_CUSTOM_REQUEST, 1, nullptr, zlr::RESULT_NOT_HANDLED},
+        {zlr::PLUGIN_SOFTWARE_CHANNEL_CREATE, 0, nullptr, zlr::RESULT_NOT_HANDLED},
+        {zlr::PLUGIN_CHANNEL_IDS_MAPPED, 0, nullptr, zlr::RESULT_NOT_HANDLED},
+        {zlr::PLUGIN_EVENT, 7, nullptr, zlr::RESULT_NOT_HANDLED},
+        // The registration again, as it was: the host takes it unchanged.
+        {zlr::PLUGIN_EVENT, 14, nullptr, zlr::RESULT_OK},
+        {zlr::PLUGIN_CHANNELS_CHECK, 0, R"(<Channels><Channel channel_id="999"/></Channels>)",
+         zlr::RESULT_OK},
         // Before any preparation, and with a start that holds no time.
         {zlr::PLUGIN_TASK_PROCESS, task, "<Start/>", zlr::RESULT_OK},
         {zlr::PLUGIN_TASK_STOP_PROCESSING, task, nullptr, zlr::RESULT_OK},
@@ -223,6 +232,26 @@ TEST_F(ConfigurationScenario, UnusableMessagesAnswerCodesAndChangeNothing)
 
     run();
     EXPECT_EQ(acquisition().outputValues(bench().outputsOf(root).at(0).local_id).size(), 3u);
+}
+
+// The host renumbers an input, and later has one no more: the channel's
+// inputs follow the new id and drop the lost one.
+TEST_F(ConfigurationScenario, InputsFollowTheHostsIdsAndDropTheLostOnes)
+{
+    addInput(5, "Left", 10000.0, someTone(10000.0));
+    addInput(8, "Right", 10000.0, someTone(10000.0));
+    const std::uint32_t root = createChannel({5, 8});
+    acquisition().inputs().remove(5);
+    addInput(6, "Left", 10000.0, someTone(10000.0));
+    EXPECT_EQ(model().mapChannelIds({{5, 6}}), 0u);
+    EXPECT_EQ(shown(root, INPUTS)->getChannelIDListValue(), (std::vector<std::uint64_t>{6, 8}));
+
+    acquisition().inputs().remove(8);
+    EXPECT_EQ(model().sendEvent(3), 0u);
+    EXPECT_EQ(shown(root, INPUTS)->getChannelIDListValue(), std::vector<std::uint64_t>{6});
+    // Without the host's list of ids the event is not taken.
+    host().tree().setXml("#Zelvar#Channels", "AllIds", "<Channels");
+    EXPECT_EQ(model().sendEvent(3), zlr::RESULT_NOT_HANDLED);
 }
 
 // Load, run, unload, and the same again in one process: the module really

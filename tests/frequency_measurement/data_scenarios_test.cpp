@@ -143,7 +143,10 @@ TEST_F(DataScenario, ResultsDoNotDependOnHowTheHostCutsTheData)
         as_int16[i] = static_cast<std::int16_t>(values[i]);
     }
     addInput(1, "Double", 10000.0, MemoryRecording::of(values));
-    addInput(2, "Float", 10000.0, MemoryRecording::of(as_float));
+    // This one's host gives the format wrapped in ChannelDataFormat/Channel.
+    acquisition().addInputChannel({.id = 2, .long_name = "Float", .sample_rate = 10000.0,
+                                   .wrapped_data_format = true},
+                                  MemoryRecording::of(as_float));
     addInput(3, "Int16", 10000.0, MemoryRecording::of(as_int16));
     const std::uint32_t root = createChannel({1, 2, 3});
     edit(root, OVERLAP, "75");

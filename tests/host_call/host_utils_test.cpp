@@ -1,5 +1,6 @@
-// Typed queries, value factories and the two ways of sending data, against
-// the simulated host, whose ledger sees every reference come back.
+// The two ways of sending data and a refused translation, against the
+// simulated host, whose ledger sees every reference come back. The typed
+// queries are seen at work in the input channel's tests.
 #include "sim_host.h"
 #include "zlr_assert_capture.h"
 #include "zlrapi_utils.h"
@@ -13,51 +14,6 @@
 namespace {
 
 using zelvar_sim::SimHost;
-
-TEST(TypedQuery, KeepsOnlyTheRequestedTypeAndReleasesTheQuery)
-{
-    SimHost host;
-    host.tree().setString("#PluginHost", "Name", "Zelvar");
-    host.tree().setBoolean("#Zelvar", "AnalysisModeActive", true);
-    host.tree().setScalar("#Zelvar#Channels#17", "SampleRate", 1000.0, "Hz");
-
-    struct Case {
-        const char* path;
-        const char* key;
-        bool as_string, as_xml, as_boolean, as_scalar;
-    };
-    const Case cases[] = {
-        {"#PluginHost", "Name", true, false, false, false},
-        {"#Zelvar", "AnalysisModeActive", false, false, true, false},
-        {"#Zelvar#Channels#17", "SampleRate", false, false, false, true},
-        {"#Zelvar", "Missing", false, false, false, false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.path) + " " + c.key);
-        EXPECT_EQ(bool(zlr::queryStringValue(&host, c.path, c.key)), c.as_string);
-        EXPECT_EQ(bool(zlr::queryXmlValue(&host, c.path, c.key)), c.as_xml);
-        EXPECT_EQ(bool(zlr::queryBooleanValue(&host, c.path, c.key)), c.as_boolean);
-        EXPECT_EQ(bool(zlr::queryScalarValue(&host, c.path, c.key)), c.as_scalar);
-        EXPECT_EQ(host.valuesOutsideTree(), 0);
-    }
-    auto name = zlr::queryStringValue(&host, "#PluginHost", "Name");
-    EXPECT_STREQ(name->getData(), "Zelvar");
-    EXPECT_EQ(host.valuesOutsideTree(), 0); // held, but it is the tree's own object
-}
-
-TEST(TypedQuery, ChannelFormsBuildThePathAndSkipTheAllOnesId)
-{
-    SimHost host;
-    host.tree().setString("#Zelvar#Channels#42", "LongName", "Voltage");
-    const auto name = zlr::queryChannelStringValue(&host, 42, "LongName");
-    ASSERT_TRUE(name);
-    EXPECT_STREQ(name->getData(), "Voltage");
-    EXPECT_EQ(host.queries().back().path, "#Zelvar#Channels#42");
-
-    const auto before = host.queries().size();
-    EXPECT_FALSE(zlr::queryChannelBooleanValue(&host, ~std::uint64_t{0}, "Usable"));
-    EXPECT_EQ(host.queries().size(), before);
-}
 
 TEST(SendSyncXmlMessage, SendsTheTextAsAnXmlValueAndReportsALengthMismatch)
 {

@@ -76,6 +76,8 @@ void checkRoundTrip(const SoundCase& row, const std::filesystem::path& path)
     EXPECT_EQ(file.reader->fault(), "");
 }
 
+// What the recording decides by is the sample type; the containers (FLAC,
+// AIFF) are libsndfile's business.
 TEST(SoundFileRecording, DeliversWhatWasWrittenInTheFilesOwnType)
 {
     const SoundCase cases[] = {
@@ -85,18 +87,11 @@ TEST(SoundFileRecording, DeliversWhatWasWrittenInTheFilesOwnType)
         {"wav32", SF_FORMAT_WAV | SF_FORMAT_PCM_32, 2, SampleEncoding::int32, 0},
         {"wavfloat", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 2, SampleEncoding::float32, 0},
         {"wavdouble", SF_FORMAT_WAV | SF_FORMAT_DOUBLE, 1, SampleEncoding::float64, 0},
-        {"flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 2, SampleEncoding::int16, 0},
-        {"flac24", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 1, SampleEncoding::int32, 8},
-        {"aiff16", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 1, SampleEncoding::int16, 0},
-        {"aifffloat", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, 2, SampleEncoding::float32, 0},
     };
     const auto folder = test::testFolder();
     for (const SoundCase& row : cases) {
         SCOPED_TRACE(row.label);
-        const auto extension = (row.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC   ? ".flac"
-                               : (row.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_AIFF ? ".aiff"
-                                                                                     : ".wav";
-        const auto path = folder / (std::string(row.label) + extension);
+        const auto path = folder / (std::string(row.label) + ".wav");
         switch (row.delivered) {
         case SampleEncoding::int16:
             checkRoundTrip<std::int16_t>(row, path);

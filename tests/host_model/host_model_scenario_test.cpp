@@ -1,6 +1,6 @@
-// The configuration side of the host against the loaded plug-in: what it
-// holds after the start, and a software channel's life from the question
-// whether it can be made to its restore from the host's saved record.
+// The configuration side of the host against the loaded plug-in: a software
+// channel's life from the question whether it can be made to its deletion
+// and the plug-in's finish.
 #include "sim_scenario.h"
 #include "sim_recording.h"
 #include "zlrbase_messages.h"
@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <set>
 
 namespace {
 
@@ -37,35 +36,9 @@ protected:
     }
 };
 
-TEST_F(HostModelScenario, StartGivesTwoCataloguesOfTheSameTexts)
-{
-    const auto languages = model().translations().languages();
-    ASSERT_EQ(languages, (std::vector<std::string>{"en", "de"}));
-    const auto english = model().translations().catalogue("en");
-    const auto german = model().translations().catalogue("de");
-    ASSERT_TRUE(english && german);
-    EXPECT_FALSE(english->messages.empty());
-    std::set<std::pair<std::string, std::string>> english_keys, german_keys;
-    std::size_t translated_differently = 0;
-    for (const auto& [key, text] : english->messages) {
-        english_keys.insert(key);
-        EXPECT_FALSE(text.empty()) << key.second;
-        const auto in_german = model().translations().translate("de", key.first, key.second);
-        translated_differently += in_german && *in_german != text;
-    }
-    for (const auto& entry : german->messages) {
-        german_keys.insert(entry.first);
-    }
-    EXPECT_EQ(english_keys, german_keys);
-    EXPECT_GT(translated_differently, 0u);
-}
-
-TEST_F(HostModelScenario, SoftwareChannelFromQueryToRestore)
+TEST_F(HostModelScenario, SoftwareChannelFromQueryToFinish)
 {
     const auto registered = model().softwareChannels().registered();
-    if (registered.empty()) {
-        GTEST_SKIP() << "the plug-in registers no software channel yet";
-    }
     ASSERT_EQ(registered.size(), 1u);
     EXPECT_EQ(registered[0].m_display_name, "Frequency Measurement");
     EXPECT_EQ(registered[0].m_display_group, "Advanced Math");
@@ -79,17 +52,11 @@ TEST_F(HostModelScenario, SoftwareChannelFromQueryToRestore)
     microphone.long_name = "Mic";
     microphone.sample_rate = 10000.0;
     acquisition().addInputChannel(microphone, zelvar_sim::MemoryRecording::of(samples));
-    zlr::DataFormat scalar_sync;
-    scalar_sync.m_sample_occurrence = zlr::SAMPLE_OCCURRENCE_SYNC;
-    scalar_sync.m_sample_format = zlr::SAMPLE_FORMAT_DOUBLE;
-    scalar_sync.m_sample_value_type = zlr::SAMPLE_VALUE_TYPE_SCALAR;
-    scalar_sync.m_sample_dimension = 1;
-
-    const auto query = model().queryAction({{7, scalar_sync}});
+    const auto query = model().queryAction({{7, zelvar_sim::synchronousScalar()}});
     ASSERT_TRUE(query.response);
     EXPECT_TRUE(query.response->m_valid);
 
-    const auto created = model().createSoftwareChannel({{7, scalar_sync}});
+    const auto created = model().createSoftwareChannel({{7, zelvar_sim::synchronousScalar()}});
     ASSERT_TRUE(created.response) << model().dump();
     ASSERT_EQ(created.response->m_created_channels.size(), 2u);
     const std::uint32_t root = created.response->m_created_channels[0];
@@ -98,40 +65,19 @@ TEST_F(HostModelScenario, SoftwareChannelFromQueryToRestore)
     EXPECT_EQ(model().hasInstances(), std::optional<bool>(true));
 
     // Window 0.2 s at 10 kHz with half of it overlapping: a step of 1000
-    // samples, 10 results a second.
+    // samples, 10 results a second. 95 % is beyond the limit, and the
+    // plug-in's reply shows the value it kept.
     auto output = onlyChild(root);
     ASSERT_TRUE(output);
     EXPECT_EQ(output->default_name, "Mic_Frequency");
     EXPECT_EQ(output->timebase.m_frequency, 10.0);
+    model().editProperty(root, "FREQUENCY_MEASUREMENT/WindowOverlap", "95");
     EXPECT_EQ(shownScalar(root, "FREQUENCY_MEASUREMENT/WindowOverlap"), 50.0);
 
-    // Three quarters overlapping halve the step; 95 % is beyond the limit
-    // and the plug-in's reply shows the value it kept.
-    EXPECT_EQ(model().editProperty(root, "FREQUENCY_MEASUREMENT/WindowOverlap", "75"), 0u);
-    EXPECT_EQ(shownScalar(root, "FREQUENCY_MEASUREMENT/WindowOverlap"), 75.0);
-    output = onlyChild(root);
-    ASSERT_TRUE(output);
-    EXPECT_EQ(output->timebase.m_frequency, 20.0);
-    model().editProperty(root, "FREQUENCY_MEASUREMENT/WindowOverlap", "95");
-    EXPECT_EQ(shownScalar(root, "FREQUENCY_MEASUREMENT/WindowOverlap"), 75.0);
-
     // A person deletes the output: the whole software channel goes.
-    const std::string saved = model().savedConfiguration();
     EXPECT_EQ(model().deleteChannels({output->local_id}), 0u);
     EXPECT_TRUE(model().channels().channels().empty()) << model().dump();
     EXPECT_EQ(model().hasInstances(), std::optional<bool>(false));
-
-    // The saved record brings it back as it was.
-    const auto restored = model().restoreConfiguration(saved);
-    ASSERT_TRUE(restored.id_map) << model().dump();
-    ASSERT_EQ(restored.id_map->count(root), 1u);
-    const auto new_root = static_cast<std::uint32_t>(restored.id_map->at(root));
-    // Its settings reach the host once the configuration is applied.
-    EXPECT_EQ(model().configApplied(), 0u);
-    EXPECT_EQ(shownScalar(new_root, "FREQUENCY_MEASUREMENT/WindowOverlap"), 75.0);
-    output = onlyChild(new_root);
-    ASSERT_TRUE(output) << model().dump();
-    EXPECT_EQ(output->timebase.m_frequency, 20.0);
 
     // At the finish the software channel leaves the host's list.
     EXPECT_EQ(session().finish(), 0u);

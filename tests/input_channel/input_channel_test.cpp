@@ -1,4 +1,5 @@
-// The proxy of a host channel against the simulated host's value tree.
+// The proxy of a host channel against the simulated host's value tree. A
+// format given bare and one given wrapped are read in the data scenarios.
 #include "sim_host.h"
 #include "zlrfw_input_channel.h"
 
@@ -12,29 +13,6 @@ namespace {
 using zlr::framework::InputChannel;
 
 const char* const PATH = "#Zelvar#Channels#12";
-
-TEST(InputChannel, ReadsTheBareAndTheWrappedDataFormatAlike)
-{
-    const std::string bare =
-        R"(<DataFormat sample_occurrence="SYNC" sample_format="double" sample_dimension="1" sample_value_type="scalar"/>)";
-    const std::string wrapped = "<ChannelDataFormat><Channel channel_id=\"12\">" + bare +
-                                "</Channel></ChannelDataFormat>";
-    zlr::DataFormat formats[2];
-    int i = 0;
-    for (const std::string& text : {bare, wrapped}) {
-        zelvar_sim::SimHost host;
-        host.tree().setXml(PATH, "DataFormat", text);
-        InputChannel channel(&host, 12);
-        ASSERT_TRUE(channel.updateDataFormat()) << text;
-        formats[i++] = channel.getDataFormat();
-        EXPECT_EQ(host.valuesOutsideTree(), 0);
-    }
-    EXPECT_EQ(formats[0], formats[1]);
-    EXPECT_EQ(formats[0].m_sample_occurrence, zlr::SAMPLE_OCCURRENCE_SYNC);
-    EXPECT_EQ(formats[0].m_sample_format, zlr::SAMPLE_FORMAT_DOUBLE);
-    EXPECT_EQ(formats[0].m_sample_value_type, zlr::SAMPLE_VALUE_TYPE_SCALAR);
-    EXPECT_EQ(formats[0].m_sample_dimension, 1u);
-}
 
 TEST(InputChannel, AFormatThatDoesNotReadLeavesTheCachedOne)
 {

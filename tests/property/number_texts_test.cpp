@@ -61,7 +61,6 @@ TEST(NumberTexts, ConversionsAndTheirCallers)
         std::string expected;
     } cases[] = {
         {[] { return show(stolChecked("0x10", 0)); }, "16"},
-        {[] { return show(stolChecked("010", 0)); }, "8"},
         {[] { return show(stolChecked(" -7 rest")); }, "-7"},
         {[] { return show(stolChecked("")); }, invalid + "invalid stol argument"},
         {[] { return show(stolChecked("99999999999999999999")); },
@@ -76,7 +75,6 @@ TEST(NumberTexts, ConversionsAndTheirCallers)
         {[] { return show(stoullChecked("-")); }, invalid + "invalid stoull argument"},
         {[] { return show(stoullChecked("99999999999999999999")); },
          range + "stoull argument out of range"},
-        {[] { return show(stodChecked("1.5e3")); }, "1500"},
         {[] { return show(stodChecked("-inf")); }, "-inf"},
         {[] { return show(stodChecked("one")); }, invalid + "invalid stod argument"},
         {[] { return show(stodChecked("1e999")); }, range + "stod argument out of range"},

@@ -173,16 +173,15 @@ TEST(RunCommand, JobsGiveTheTableOfOneAfterTheOther)
     EXPECT_FALSE(fs::exists(dir / "refused.csv"));
 }
 
+// One row for each way the command refuses: a file (each file refusal has
+// its own test), a line of a file, an option, a setting.
 TEST(RunCommand, BadInputIsOneLineAndWritesNothing)
 {
     const fs::path dir = folderWithTone();
-    std::ofstream(dir / "noise.wav") << "not a sound at all";
     std::ofstream(dir / "bad.csv") << "a\n1\n2\n3x\n";
     const struct { std::string args; int status; std::string message; } cases[] = {
-        {"missing.wav", 2, "missing.wav"}, {"noise.wav", 2, "noise.wav"},
-        {"bad.csv --sample-rate 100", 2, "bad.csv:4"}, {"tone.csv", 2, "tone.csv"},
-        {"tone.csv --sample-rate 0", 2, "sample rate"}, {"tone.wav --channels 7", 2, "7"},
-        {"tone.wav --block-duration x", 2, "--block-duration"}, {"tone.wav --jobs", 2, "--jobs"},
+        {"missing.wav", 2, "missing.wav"}, {"bad.csv --sample-rate 100", 2, "bad.csv:4"},
+        {"tone.wav --channels 7", 2, "7"}, {"tone.wav --block-duration x", 2, "--block-duration"},
         {"tone.wav --min-frequency 3000 --max-frequency 1000", 3,
          "Minimum frequency is larger than maximum frequency"},
         {"tone.wav --max-frequency 4500", 3, "MaxFrequency"},

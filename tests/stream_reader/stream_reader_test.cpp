@@ -177,58 +177,18 @@ TEST(StreamReader, RegionsPlaceTheGapsAndAContainedRegionMovesTheCursorBack)
     }
 }
 
-TEST(StreamReader, TimestampedAndVariableRecordsAreSteppedByTheirOwnFields)
+// Only a timestamp makes a record time-stamped: a size field alone leaves
+// the channel synchronous, stepped by its block's first sample index.
+TEST(StreamReader, ASizeFieldWithoutATimestampIsStillSynchronous)
 {
-    // Record: value (8 bytes), tick (8 bytes), payload size (4 bytes), pad (4).
-    struct Record {
-        double value;
-        std::uint64_t tick;
-        std::uint32_t size;
-        std::uint32_t pad;
-    };
-    static_assert(sizeof(Record) == 24);
-    ChannelDescriptor timestamped = doubleChannel(1, 24 * 8);
-    timestamped.m_timestamp_position = 64;
-    ChannelDescriptor variable = timestamped;
-    variable.m_channel_id = 2;
-    variable.m_sample_size_position = 128;
-    ChannelDescriptor sync_despite_size = doubleChannel(3, 24 * 8);
-    sync_despite_size.m_sample_size_position = 128;
-
-    // Fixed size: two blocks, later ticks inserted first.
-    std::vector<Record> early = {{1.0, 100, 0, 0}, {2.0, 107, 0, 0}};
-    std::vector<Record> late = {{3.0, 200, 0, 0}};
-    // Variable: payloads of 0, 3 and 8 bytes between the headers.
-    std::vector<unsigned char> packed;
-    const std::uint32_t payloads[] = {0, 3, 8};
-    for (int i = 0; i < 3; ++i) {
-        Record r{10.0 + i, std::uint64_t(50 + i), payloads[i], 0};
-        const auto* p = reinterpret_cast<const unsigned char*>(&r);
-        packed.insert(packed.end(), p, p + sizeof r);
-        packed.insert(packed.end(), payloads[i], 0xEE);
-    }
-
+    ChannelDescriptor sized = doubleChannel(3, 128);
+    sized.m_sample_size_position = 64;
+    std::vector<double> bytes(4, 1.0);
     StreamReader reader;
-    reader.addDataBlock({7, 24, {{0, 1, 0, 0, 0, 1}}}, late.data());
-    reader.addDataBlock({7, 48, {{0, 1, 0, 0, 0, 2}}}, early.data());
-    reader.addDataBlock({7, packed.size(), {{0, 2, 0, 0, 0, 3}}}, packed.data());
-    reader.addDataBlock({7, 48, {{0, 3, 0, 0, 40, 2}}}, early.data());
-    reader.setStreamDescriptor({7, {timestamped, variable, sync_despite_size}});
-
-    test::AssertCapture reports;
-    const Walk fixed = walk(reader.createChannelIterator(1, {0, ALL}));
-    EXPECT_EQ(fixed.ticks, (std::vector<std::uint64_t>{100, 107, 200}));
-    EXPECT_EQ(fixed.values, (std::vector<double>{1.0, 2.0, 3.0}));
-
-    const StreamIterator var_it = reader.createChannelIterator(2, {0, ALL});
-    EXPECT_EQ(var_it.getTotalSampleCount(), 3u);
-    const Walk var = walk(var_it);
-    EXPECT_EQ(var.ticks, (std::vector<std::uint64_t>{50, 51, 52}));
-    EXPECT_EQ(var.values, (std::vector<double>{10.0, 11.0, 12.0}));
-
-    const Walk sync = walk(reader.createChannelIterator(3, {0, ALL}));
-    EXPECT_EQ(sync.ticks, (std::vector<std::uint64_t>{40, 41}));
-    EXPECT_TRUE(reports.reported().empty());
+    reader.addDataBlock({7, 32, {{0, 3, 0, 0, 40, 2}}}, bytes.data());
+    reader.setStreamDescriptor({7, {sized}});
+    EXPECT_EQ(walk(reader.createChannelIterator(3, {0, ALL})).ticks,
+              (std::vector<std::uint64_t>{40, 41}));
 }
 
 TEST(StreamReader, ReportsMisalignmentAndCountsThatDoNotAddUp)

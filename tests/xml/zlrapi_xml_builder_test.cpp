@@ -30,6 +30,8 @@ std::string doubleAttribute(double value)
     return build([value](XmlBuilder& b) { b.child("D", {XmlAttribute("v", value)}); });
 }
 
+// Nesting, attributes at the opening and added later are drawn by the random
+// documents; here what they never draw.
 TEST(XmlBuilder, WritesElementsAndAttributesByteForByte)
 {
     struct Case {
@@ -37,33 +39,8 @@ TEST(XmlBuilder, WritesElementsAndAttributesByteForByte)
         std::function<void(XmlBuilder&)> body;
         std::string expected;
     };
-    const std::string key_name = "data_set_key";
     const Case cases[] = {
         {"declaration only", [](XmlBuilder&) {}, DECLARATION},
-        {"empty element", [](XmlBuilder& b) { b.child("Name"); }, DECLARATION + "<Name/>"},
-        {"attributes at opening",
-         [&](XmlBuilder& b) {
-             b.child("Root", {XmlAttribute(key_name, std::uint64_t{42}), XmlAttribute("ok", true),
-                              XmlAttribute("no", false), XmlAttribute("t", "x")});
-         },
-         DECLARATION + "<Root data_set_key=\"42\" ok=\"true\" no=\"false\" t=\"x\"/>"},
-        {"attribute added later",
-         [](XmlBuilder& b) {
-             XmlBuilderElement root = b.child("Root");
-             root.addAttribute(XmlAttribute("a", std::uint64_t{1}));
-             root.addAttribute(XmlAttribute("b", "two"));
-         },
-         DECLARATION + "<Root a=\"1\" b=\"two\"/>"},
-        {"nested elements",
-         [](XmlBuilder& b) {
-             XmlBuilderElement root = b.child("A", {XmlAttribute("k", std::uint64_t{7})});
-             {
-                 XmlBuilderElement inner = root.child("B");
-                 inner.child("C");
-             }
-             root.child("D").addAttribute(XmlAttribute("x", 0.5));
-         },
-         DECLARATION + "<A k=\"7\"><B><C/></B><D x=\"0.5\"/></A>"},
         {"explicit close is final",
          [](XmlBuilder& b) {
              XmlBuilderElement root = b.child("A");
@@ -77,17 +54,14 @@ TEST(XmlBuilder, WritesElementsAndAttributesByteForByte)
         {"names are not escaped",
          [](XmlBuilder& b) { b.child("a&b", {XmlAttribute("c<d", "")}); },
          DECLARATION + "<a&b c<d=\"\"/>"},
-        {"largest unsigned",
-         [](XmlBuilder& b) {
-             b.child("U", {XmlAttribute("v", std::numeric_limits<std::uint64_t>::max())});
-         },
-         DECLARATION + "<U v=\"18446744073709551615\"/>"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(build(c.body), c.expected) << c.what;
     }
 }
 
+// Finite values of every kind are drawn by the random documents; here the
+// zeros, the smallest value and the texts of the values that are no number.
 TEST(XmlBuilder, PrintsDoublesLikePrintfWithSeventeenDigits)
 {
     const double quiet_nan = std::numeric_limits<double>::quiet_NaN();
@@ -100,17 +74,9 @@ TEST(XmlBuilder, PrintsDoublesLikePrintfWithSeventeenDigits)
         double value;
         const char* text;
     } cases[] = {
-        {1e300, "1.0000000000000001e+300"},
-        {1.0 / 3.0, "0.33333333333333331"},
-        {0.1, "0.10000000000000001"},
-        {1.0, "1"},
         {0.0, "0"},
         {-0.0, "-0"},
-        {-2.5, "-2.5"},
-        {1e-5, "1.0000000000000001e-05"},
-        {123456789012345678.0, "1.2345678901234568e+17"},
         {std::numeric_limits<double>::denorm_min(), "4.9406564584124654e-324"},
-        {std::numeric_limits<double>::max(), "1.7976931348623157e+308"},
         {std::numeric_limits<double>::infinity(), "inf"},
         {-std::numeric_limits<double>::infinity(), "-inf"},
         {quiet_nan, "nan"},
