@@ -59,19 +59,15 @@ void checkRoundTrip(const SoundCase& row, const std::filesystem::path& path)
         EXPECT_EQ(recording.dataSpans(), (std::vector<SampleSpan>{{0, frames}}));
         const std::vector<T> delivered =
             test::readAll<T>(recording, pieces[static_cast<std::size_t>(c) % pieces.size()]);
+        // As doubles too, the way the host hands them out: the same values.
+        const auto as_doubles = asDoubles(file.inputs[static_cast<std::size_t>(c)].recording);
+        EXPECT_EQ(as_doubles->encoding(), SampleEncoding::float64);
+        const std::vector<double> widened = test::readAll<double>(*as_doubles, {999});
         for (std::size_t i = 0; i < frames; ++i) {
-            ASSERT_EQ(delivered[i], written[i * static_cast<std::size_t>(row.channels) +
-                                           static_cast<std::size_t>(c)])
-                << row.label << " channel " << c << " sample " << i;
+            const T value = written[i * static_cast<std::size_t>(row.channels) + static_cast<std::size_t>(c)];
+            ASSERT_EQ(delivered[i], value) << row.label << " channel " << c << " sample " << i;
+            ASSERT_EQ(widened[i], static_cast<double>(value)) << row.label << " channel " << c << " as double";
         }
-    }
-    // As doubles, the way the host hands them out: the same values.
-    const auto as_doubles = asDoubles(file.inputs[0].recording);
-    EXPECT_EQ(as_doubles->encoding(), SampleEncoding::float64);
-    const std::vector<double> widened = test::readAll<double>(*as_doubles, {999});
-    for (std::size_t i = 0; i < frames; ++i) {
-        ASSERT_EQ(widened[i], static_cast<double>(written[i * static_cast<std::size_t>(row.channels)]))
-            << row.label << " as double, sample " << i;
     }
     EXPECT_EQ(file.reader->fault(), "");
 }
