@@ -1,5 +1,5 @@
-// Block and block list descriptions as the host writes them and the kit reads
-// them: the host's block text is XmlBuilder's, and the kit's direct reader
+// Block, block list and regions descriptions as the host writes them and the
+// kit reads them: the host's block text is XmlBuilder's, and the kit's direct reader
 // answers what the DOM readers answer, on the host's texts and on random
 // damage to them (other spacing, hex, long or odd numbers, cut texts).
 #include "sim_data_set_writers.h"
@@ -102,6 +102,7 @@ TEST(BlockDescription, DirectReaderAnswersAsTheDomReadersOnWrittenAndDamagedText
             list.m_regions.push_back({any(random) % scale, any(random) % scale, any(random) % scale});
         }
         const std::string list_text = zelvar_sim::writeDataBlockList(list);
+        const std::string regions_text = zelvar_sim::writeDataRegions(list.m_regions);
 
         SCOPED_TRACE(round);
         expectSameAnswer<zlr::DataBlock>(block_text, zlr::framework::readDataBlockDescription);
@@ -111,6 +112,10 @@ TEST(BlockDescription, DirectReaderAnswersAsTheDomReadersOnWrittenAndDamagedText
                                          zlr::framework::readDataBlockDescription);
         expectSameAnswer<zlr::DataBlockList>(damaged(list_text, random),
                                              zlr::framework::readDataBlockListDescription);
+        expectSameAnswer<zlr::DataRegions>(regions_text,
+                                           zlr::framework::readDataRegionsDescription);
+        expectSameAnswer<zlr::DataRegions>(damaged(regions_text, random),
+                                           zlr::framework::readDataRegionsDescription);
     }
 }
 

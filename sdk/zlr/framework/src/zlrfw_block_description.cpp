@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 namespace zlr::framework {
 namespace {
@@ -161,6 +162,22 @@ bool closedTag(PlainXml& xml, const std::string_view (&names)[N], Read read)
     }
 }
 
+// One "DataRegion" element, appended to `regions`.
+bool plainRegion(PlainXml& xml, std::vector<DataRegion>& regions)
+{
+    static const std::string_view REGION[] = {"channel_id", "begin", "end"};
+    DataRegion region;
+    const auto read = [&region](std::size_t k, std::string_view number) {
+        std::uint64_t& field = k == 0 ? region.m_channel_id : (k == 1 ? region.m_begin : region.m_end);
+        return plainUnsigned(number, DIGITS_64, field);
+    };
+    if (!xml.open("DataRegion") || !closedTag(xml, REGION, read)) {
+        return false;
+    }
+    regions.push_back(region);
+    return true;
+}
+
 bool readPlainDataBlock(const char* text, std::size_t length, DataBlock& block)
 {
     PlainXml xml(text, length);
@@ -249,7 +266,6 @@ bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList&
         return false;
     }
     static const std::string_view INTERVAL[] = {"begin", "end"};
-    static const std::string_view REGION[] = {"channel_id", "begin", "end"};
     while (!xml.take("</DataBlockList>")) {
         if (xml.take("<Intervals>")) {
             while (!xml.take("</Intervals>")) {
@@ -264,16 +280,9 @@ bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList&
             }
         } else if (xml.take("<InvalidRegions>")) {
             while (!xml.take("</InvalidRegions>")) {
-                DataRegion region;
-                const auto read = [&region](std::size_t k, std::string_view number) {
-                    std::uint64_t& field =
-                        k == 0 ? region.m_channel_id : (k == 1 ? region.m_begin : region.m_end);
-                    return plainUnsigned(number, DIGITS_64, field);
-                };
-                if (!xml.open("DataRegion") || !closedTag(xml, REGION, read)) {
+                if (!plainRegion(xml, list.m_regions)) {
                     return false;
                 }
-                list.m_regions.push_back(region);
             }
         } else {
             return false;
@@ -282,7 +291,41 @@ bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList&
     return xml.atEnd();
 }
 
+bool readPlainDataRegions(const char* text, std::size_t length, DataRegions& regions)
+{
+    PlainXml xml(text, length);
+    xml.take(DECLARATION);
+    if (!xml.open("DataRegions")) {
+        return false;
+    }
+    std::string_view name;
+    std::string_view value;
+    switch (xml.attribute(name, value)) {
+    case PlainXml::Next::closed:
+        return xml.atEnd();
+    case PlainXml::Next::opened:
+        break;
+    default:
+        return false;
+    }
+    while (!xml.take("</DataRegions>")) {
+        if (!plainRegion(xml, regions.m_regions)) {
+            return false;
+        }
+    }
+    return xml.atEnd();
+}
+
 } // namespace
+
+bool readDataRegionsDescription(const char* text, std::size_t length, DataRegions& regions)
+{
+    regions = DataRegions();
+    if (text && readPlainDataRegions(text, length, regions)) {
+        return true;
+    }
+    return regions.parse(text, length);
+}
 
 bool readDataBlockDescription(const char* text, std::size_t length, DataBlock& block)
 {

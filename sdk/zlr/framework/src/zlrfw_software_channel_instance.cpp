@@ -476,7 +476,7 @@ void SoftwareChannelInstance::processWindow(IfHost* host, ProcessContext& contex
     request(host, HOST_DATA_REGIONS_REQUEST, regions_request.generate(), regions_answer);
     DataRegions regions;
     if (const std::optional<std::string> text = xmlValueText(regions_answer.get())) {
-        if (!regions.parse(text->c_str(), text->size())) {
+        if (!readDataRegionsDescription(text->c_str(), text->size(), regions)) {
             regions.m_regions.clear();
         }
     }
