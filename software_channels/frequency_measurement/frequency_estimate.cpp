@@ -43,6 +43,9 @@ void FrequencyMeasurementInstance::prepareEstimator(std::uint64_t window_size)
     m_fft = ZFFT::create_real_fft(static_cast<int>(window_size), 0);
     m_spectrum.clear();
     m_spectrum.resize(window_size, complex_t{0.0, 0.0});
+    // The value every window of this size would evaluate, evaluated once.
+    m_half_step = halfExpI(TWO_PI / static_cast<double>(window_size));
+    m_rotation_bin = 0;
 }
 
 void FrequencyMeasurementInstance::releaseEstimator()
@@ -54,8 +57,14 @@ void FrequencyMeasurementInstance::releaseEstimator()
 double FrequencyMeasurementInstance::estimateFrequency(const std::vector<double>& samples,
                                                        double sample_rate)
 {
+    return estimateFrequency(samples.data(), samples.size(), sample_rate);
+}
+
+double FrequencyMeasurementInstance::estimateFrequency(const double* samples, std::uint64_t count,
+                                                       double sample_rate)
+{
     constexpr double refused = std::numeric_limits<double>::quiet_NaN();
-    const std::uint64_t n = samples.size();
+    const std::uint64_t n = count;
     // A size changed by the settings after the transform was made waits
     // for the next preparation.
     if (n != m_window_size || !m_fft || m_spectrum.size() != n) {
@@ -68,7 +77,7 @@ double FrequencyMeasurementInstance::estimateFrequency(const std::vector<double>
         return refused;
     }
 
-    m_fft->forward_raw(samples.data(), m_spectrum.data());
+    m_fft->forward_raw(samples, m_spectrum.data());
     const complex_t* X = m_spectrum.data();
 
     // Read at every window, so that a change of the setting acts on the next.
@@ -88,14 +97,21 @@ double FrequencyMeasurementInstance::estimateFrequency(const std::vector<double>
 
     const double omega = TWO_PI / static_cast<double>(n);
     // exp(-i omega) is the conjugate of exp(i omega) to the last bit (the
-    // cosine is even, the sine odd), so one evaluation serves a and b.
-    const complex_t b = halfExpI(omega);
+    // cosine is even, the sine odd), so one evaluation serves a and b; it
+    // depends on the size alone and was made with the transform.
+    const complex_t b = m_half_step;
     const complex_t a{b.re, -b.im};
+    // A steady signal keeps its peak bin from window to window, and the
+    // rotation to it is then the one of the window before.
+    if (k != m_rotation_bin) {
+        m_rotation = halfExpI(omega * static_cast<double>(k));
+        m_rotation_bin = k;
+    }
 
     // Spectrum at bin k, under a periodic Hann window, of the signal
     // advanced by one sample ...
     const complex_t Y = minus(minus(X[k], times(b, X[k + 1])), times(a, X[k - 1]));
-    const complex_t Z = times(Y, halfExpI(omega * static_cast<double>(k)));
+    const complex_t Z = times(Y, m_rotation);
     const double phi1 = std::atan2(Z.im, Z.re);
 
     // ... and of the signal as it stands.

@@ -50,6 +50,9 @@ public:
     // the range test of the processing loop refuses it then. Allocates
     // nothing; not reentrant, as all inputs share the transform.
     double estimateFrequency(const std::vector<double>& samples, double sample_rate);
+    // The same for the `count` samples from `samples` on, so that a window
+    // can be read where it lies in a longer buffer.
+    double estimateFrequency(const double* samples, std::uint64_t count, double sample_rate);
 
     // The transform and the spectrum for windows of `window_size` samples,
     // replacing what was there; prepareProcessing calls it with the derived
@@ -71,8 +74,11 @@ private:
     struct ChannelContext {
         // Rate of the input in Hz, from its timebase at prepareProcessing.
         double sample_rate = 0.0;
-        // The samples collected so far, oldest first.
+        // The samples collected so far, oldest first, from `window_begin`
+        // on: a slide only moves that index, and the live samples go back
+        // to the front only when the room behind them runs out.
         std::vector<double> window;
+        std::size_t window_begin = 0;
         // Index of the next value on the output channel; all ones: not yet set.
         std::uint64_t next_output_sample = ~std::uint64_t{0};
         // Index at which the next process step must begin; all ones: not yet set.
@@ -111,4 +117,10 @@ private:
     std::uint64_t m_window_size = 0;
     std::vector<ZFFT::complex_t> m_spectrum;
     ZFFT::RealFFTPtr m_fft;
+    // 0.5 exp(i 2 pi / m_window_size), and 0.5 exp(i 2 pi k / m_window_size)
+    // for the peak bin k of the last window (k 0: none yet): the estimator's
+    // exponentials, kept because a window so often needs the same ones.
+    ZFFT::complex_t m_half_step{0.0, 0.0};
+    std::uint64_t m_rotation_bin = 0;
+    ZFFT::complex_t m_rotation{0.0, 0.0};
 };

@@ -44,8 +44,11 @@ void FrequencyMeasurementInstance::prepareProcessing(zlr::IfHost*)
         ch_context.next_output_sample = NOT_SET;
         ch_context.next_sample = NOT_SET;
         ch_context.window.clear();
-        // Appends during the run must never allocate.
-        ch_context.window.reserve(std::max(m_window_size, m_window_step));
+        ch_context.window_begin = 0;
+        // Appends during the run must never allocate. Room for two windows
+        // lets a slide move the index only: the live samples go back to the
+        // front once every size / step windows, not at every window.
+        ch_context.window.reserve(std::max(2 * m_window_size, m_window_step));
     }
     prepareEstimator(m_window_size);
 }
@@ -137,6 +140,7 @@ void FrequencyMeasurementInstance::processChannel(ChannelContext& ch_context,
     }
 
     std::vector<double>& window = ch_context.window;
+    std::size_t& begin = ch_context.window_begin;
     while (start_sample < end_sample) {
         if (!samples.valid()) {
             break;
@@ -145,16 +149,21 @@ void FrequencyMeasurementInstance::processChannel(ChannelContext& ch_context,
         // estimates or slides, so that the checks below see every such size.
         // A gap reads as NaN and still counts as a sample, so that indices
         // stay aligned with time.
-        const std::uint64_t wanted = std::min(samplesToNextEvent(window.size()),
+        const std::uint64_t wanted = std::min(samplesToNextEvent(window.size() - begin),
                                               end_sample - start_sample);
+        if (window.size() + wanted > window.capacity()) {
+            window.erase(window.begin(), window.begin() + static_cast<std::ptrdiff_t>(begin));
+            begin = 0;
+        }
         start_sample += samples.appendValues(window, wanted);
 
-        const std::uint64_t current_window_size = window.size();
+        const std::uint64_t current_window_size = window.size() - begin;
         if (current_window_size < m_window_size) {
             continue;
         }
         if (current_window_size == m_window_size) {
-            double frequency = estimateFrequency(window, ch_context.sample_rate);
+            double frequency =
+                estimateFrequency(window.data() + begin, current_window_size, ch_context.sample_rate);
             // Both limits are inclusive.
             if (min_frequency > frequency || frequency > max_frequency) {
                 frequency = std::numeric_limits<double>::quiet_NaN();
@@ -166,12 +175,16 @@ void FrequencyMeasurementInstance::processChannel(ChannelContext& ch_context,
                 zlr::reportAssertion("current_window_size >= m_window_step", ASSERTION_PATH,
                                      __LINE__);
             }
-            const std::uint64_t drop = std::min(current_window_size, m_window_step);
-            window.erase(window.begin(), window.begin() + static_cast<std::ptrdiff_t>(drop));
+            begin += std::min(current_window_size, m_window_step);
+            if (begin == window.size()) {
+                window.clear();
+                begin = 0;
+            }
         } else if (current_window_size == m_window_step) {
             // A step longer than the window: the samples past the window
             // are dropped before the next one starts.
             window.clear();
+            begin = 0;
         }
     }
     ch_context.next_sample = end_sample;
