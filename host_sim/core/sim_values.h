@@ -134,13 +134,14 @@ private:
     std::string m_unit;
 };
 
-// One block of a data request's answer: its DataBlock document and a view of
-// bytes that the owning list keeps alive.
+// One block of a data request's answer: views of its DataBlock document and
+// of its bytes, both of which the owning list keeps alive.
 class DataBlock final : public RefCounted<zlr::IfDataBlock> {
 public:
-    DataBlock(ValueLedger& ledger, std::string description, const void* data,
+    DataBlock(ValueLedger& ledger, const std::string& description, const void* data,
               std::shared_ptr<const void> keep_alive)
-        : RefCounted(ledger, BLOCK_TYPE_CODE), m_description(std::move(description)), m_data(data), m_keep_alive(std::move(keep_alive))
+        : RefCounted(ledger, BLOCK_TYPE_CODE), m_description(description), m_data(data),
+          m_keep_alive(std::move(keep_alive))
     {
     }
     zlr::IfXmlValue* getDescription() override { return new XmlValue(ledger(), m_description); }
@@ -151,7 +152,7 @@ public:
     static constexpr std::uint32_t BLOCK_TYPE_CODE = 0x45;
 
 private:
-    std::string m_description;
+    const std::string& m_description;
     const void* m_data;
     std::shared_ptr<const void> m_keep_alive;
 };

@@ -229,13 +229,34 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
         }
     }
 
+    // What each channel of a stream needs at every block, looked up once a
+    // request rather than once a block.
+    struct Source {
+        const zlr::ChannelDescriptor* layout;
+        const InputChannelEntry* channel;
+        std::shared_ptr<const Recording> delivered; // as doubles, value for value
+        std::vector<SampleSpan> spans;
+        SampleSpan window; // of the block at hand
+    };
+    std::vector<Source> sources;
+    std::vector<SampleSpan> pieces;
     std::vector<unsigned char> values;
     for (const zlr::StreamDescriptor& stream : data_set.descriptors.m_stream_descriptors) {
         const bool alone = stream.m_channels.size() == 1 &&
                            shapeOf(stream.m_channels.front()) == RecordShape::variable_size;
+        sources.clear();
+        for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
+            if (const InputChannelEntry* channel = m_inputs->find(layout.m_channel_id)) {
+                std::shared_ptr<const Recording> delivered = asDoubles(channel->recording);
+                std::vector<SampleSpan> spans = delivered->dataSpans();
+                sources.push_back({&layout, channel, std::move(delivered), std::move(spans), {}});
+            }
+        }
         for (std::uint64_t k = first; k < last; ++k) {
             const std::uint64_t tick = grid.boundaryTicks(k);
             const std::uint64_t duration = grid.boundaryTicks(k + 1) - tick;
+            const double block_begin = grid.boundary(k);
+            const double block_end = grid.boundary(k + 1);
             DataBlockList::Block block;
             zlr::DataBlock description;
             description.m_stream_id = stream.m_stream_id;
@@ -249,26 +270,26 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
             // Room for every channel's plain values, so that the block is
             // not moved as it grows.
             std::size_t expected = 0;
-            for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
-                if (const InputChannelEntry* channel = m_inputs->find(layout.m_channel_id)) {
-                    const SampleSpan window =
-                        samplesOf(*channel, grid.boundary(k), grid.boundary(k + 1));
-                    const std::uint64_t end = std::min(window.end, channel->recording->length());
-                    expected += (end > window.begin ? end - window.begin : 0) * (layout.m_stride / 8);
-                }
+            for (Source& source : sources) {
+                source.window = samplesOf(*source.channel, block_begin, block_end);
+                source.window.end = std::min(source.window.end, source.delivered->length());
+                expected += (source.window.end > source.window.begin
+                                 ? source.window.end - source.window.begin
+                                 : 0) *
+                            (source.layout->m_stride / 8);
             }
             block.bytes.reserve(expected);
-            for (const zlr::ChannelDescriptor& layout : stream.m_channels) {
-                const InputChannelEntry* channel = m_inputs->find(layout.m_channel_id);
-                if (!channel) {
-                    continue;
+            for (const Source& source : sources) {
+                const zlr::ChannelDescriptor& layout = *source.layout;
+                const SampleSpan& window = source.window;
+                pieces.clear();
+                for (const SampleSpan& span : source.spans) {
+                    const std::uint64_t begin = std::max(span.begin, window.begin);
+                    const std::uint64_t end = std::min(span.end, window.end);
+                    if (begin < end) {
+                        pieces.push_back({begin, end});
+                    }
                 }
-                // Delivered as the layout says: doubles, value for value.
-                const std::shared_ptr<const Recording> delivered = asDoubles(channel->recording);
-                const Recording& recording = *delivered;
-                SampleSpan window = samplesOf(*channel, grid.boundary(k), grid.boundary(k + 1));
-                window.end = std::min(window.end, recording.length());
-                std::vector<SampleSpan> pieces = clipSpans(recording.dataSpans(), window);
                 if (pieces.empty()) {
                     // An empty run keeps the block, and the step it stands for.
                     pieces.push_back({window.begin, window.begin});
@@ -282,7 +303,7 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                     run.m_duration = duration;
                     run.m_first_sample_index = piece.begin;
                     run.m_count = piece.end - piece.begin;
-                    if (!appendRun(layout, recording, piece.begin, run.m_count, values,
+                    if (!appendRun(layout, *source.delivered, piece.begin, run.m_count, values,
                                    block.bytes)) {
                         continue;
                     }

@@ -6,6 +6,7 @@
 #include <pugixml.hpp>
 
 #include <charconv>
+#include <cstring>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -35,16 +36,30 @@ std::string streamed(Build build)
     return out.str();
 }
 
-// ` name="` is given with its quote; the number and the closing quote follow.
-void appendNumberAttribute(std::string& text, std::string_view name_and_quote,
-                           std::uint64_t value)
-{
-    char digits[24];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    text += name_and_quote;
-    text.append(digits, end);
-    text += '"';
-}
+// Writes text at a cursor into room that was sized beforehand.
+class TextCursor {
+public:
+    explicit TextCursor(char* at) : m_at(at) {}
+
+    void put(std::string_view text)
+    {
+        std::memcpy(m_at, text.data(), text.size());
+        m_at += text.size();
+    }
+
+    // ` name="` is given with its quote; the number and the closing quote follow.
+    void number(std::string_view name_and_quote, std::uint64_t value)
+    {
+        put(name_and_quote);
+        m_at = std::to_chars(m_at, m_at + 20, value).ptr;
+        *m_at++ = '"';
+    }
+
+    char* at() const { return m_at; }
+
+private:
+    char* m_at;
+};
 
 } // namespace
 
@@ -106,27 +121,31 @@ std::string writeDataBlockList(const zlr::DataBlockList& list)
 // is the text XmlBuilder writes for it.
 std::string writeDataBlock(const zlr::DataBlock& block)
 {
-    std::string text;
-    text.reserve(80 + 120 * block.m_channels.size());
-    text += "<?xml version=\"1.0\"?><DataBlock";
-    appendNumberAttribute(text, " stream_id=\"", block.m_stream_id);
-    appendNumberAttribute(text, " data_size=\"", block.m_data_size);
+    // The longest text: every number of 20 digits.
+    constexpr std::size_t HEAD = 128;
+    constexpr std::size_t PER_CHANNEL = 216;
+    std::string text(HEAD + PER_CHANNEL * block.m_channels.size(), '\0');
+    TextCursor out(text.data());
+    out.put("<?xml version=\"1.0\"?><DataBlock");
+    out.number(" stream_id=\"", block.m_stream_id);
+    out.number(" data_size=\"", block.m_data_size);
     if (block.m_channels.empty()) {
-        text += "/>";
-        return text;
+        out.put("/>");
+    } else {
+        out.put(">");
+        for (const zlr::DataBlockChannel& channel : block.m_channels) {
+            out.put("<Channel");
+            out.number(" channel_id=\"", channel.m_channel_id);
+            out.number(" offset=\"", channel.m_offset);
+            out.number(" count=\"", channel.m_count);
+            out.number(" first_sample_index=\"", channel.m_first_sample_index);
+            out.number(" timestamp=\"", channel.m_timestamp);
+            out.number(" duration=\"", channel.m_duration);
+            out.put("/>");
+        }
+        out.put("</DataBlock>");
     }
-    text += '>';
-    for (const zlr::DataBlockChannel& channel : block.m_channels) {
-        text += "<Channel";
-        appendNumberAttribute(text, " channel_id=\"", channel.m_channel_id);
-        appendNumberAttribute(text, " offset=\"", channel.m_offset);
-        appendNumberAttribute(text, " count=\"", channel.m_count);
-        appendNumberAttribute(text, " first_sample_index=\"", channel.m_first_sample_index);
-        appendNumberAttribute(text, " timestamp=\"", channel.m_timestamp);
-        appendNumberAttribute(text, " duration=\"", channel.m_duration);
-        text += "/>";
-    }
-    text += "</DataBlock>";
+    text.resize(static_cast<std::size_t>(out.at() - text.data()));
     return text;
 }
 

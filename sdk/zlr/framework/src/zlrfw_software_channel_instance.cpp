@@ -82,9 +82,9 @@ bool blockListSpan(IfDataBlockList* blocks, double& begin, double& end)
 {
     zlrbase_api_object_ptr<IfXmlValue> description;
     description.adopt(blocks->getDescription());
-    const std::optional<std::string> text = xmlValueText(description.get());
+    const std::optional<std::string_view> text = xmlValueView(description.get());
     DataBlockList list;
-    if (!text || !readDataBlockListDescription(text->c_str(), text->size(), list) ||
+    if (!text || !readDataBlockListDescription(text->data(), text->size(), list) ||
         list.m_intervals.empty()) {
         return false;
     }
@@ -439,9 +439,9 @@ void SoftwareChannelInstance::onProcess(IfHost* host, std::uint64_t, IfXmlValue*
         [&] {
             ProcessWindowTelegram window;
             if (start) {
-                const std::optional<std::string> text = xmlValueText(start);
+                const std::optional<std::string_view> text = xmlValueView(start);
                 if (text) {
-                    window.parse(text->c_str(), text->size());
+                    window.parse(text->data(), text->size());
                 }
             }
             const bool timed = window.m_start.isValid() && window.m_end.isValid();
@@ -475,8 +475,8 @@ void SoftwareChannelInstance::processWindow(IfHost* host, ProcessContext& contex
     zlrbase_api_object_ptr<IfValue> regions_answer;
     request(host, HOST_DATA_REGIONS_REQUEST, regions_request.generate(), regions_answer);
     DataRegions regions;
-    if (const std::optional<std::string> text = xmlValueText(regions_answer.get())) {
-        if (!readDataRegionsDescription(text->c_str(), text->size(), regions)) {
+    if (const std::optional<std::string_view> text = xmlValueView(regions_answer.get())) {
+        if (!readDataRegionsDescription(text->data(), text->size(), regions)) {
             regions.m_regions.clear();
         }
     }
@@ -552,9 +552,9 @@ SoftwareChannelInstance::createStreamIterators(const std::vector<StreamDescripto
         }
         zlrbase_api_object_ptr<IfXmlValue> description;
         description.adopt(block->getDescription());
-        const std::optional<std::string> text = xmlValueText(description.get());
+        const std::optional<std::string_view> text = xmlValueView(description.get());
         DataBlock layout;
-        if (text && readDataBlockDescription(text->c_str(), text->size(), layout) &&
+        if (text && readDataBlockDescription(text->data(), text->size(), layout) &&
             !layout.m_channels.empty()) {
             // The bytes belong to the list, which outlives the block object.
             reader.addDataBlock(layout, block->getData());
