@@ -252,14 +252,15 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                 sources.push_back({&layout, channel, std::move(delivered), std::move(spans), {}});
             }
         }
+        content.blocks.reserve(content.blocks.size() + (last - first));
+        zlr::DataBlock description;
+        description.m_stream_id = stream.m_stream_id;
         for (std::uint64_t k = first; k < last; ++k) {
             const std::uint64_t tick = grid.boundaryTicks(k);
             const std::uint64_t duration = grid.boundaryTicks(k + 1) - tick;
             const double block_begin = grid.boundary(k);
             const double block_end = grid.boundary(k + 1);
             DataBlockList::Block block;
-            zlr::DataBlock description;
-            description.m_stream_id = stream.m_stream_id;
             const auto close = [&] {
                 description.m_data_size = block.bytes.size();
                 block.description = writeDataBlock(description);

@@ -22,7 +22,8 @@ class StreamReader {
 public:
     // Blocks and regions are added first; then, stream after stream, the
     // descriptor is set and the iterators are taken.
-    void addDataBlock(const DataBlock& block, const void* data);
+    // The reader keeps `block`; a caller done with it hands it over.
+    void addDataBlock(DataBlock block, const void* data);
     void addDataRegion(const DataRegion& region);
     void setStreamDescriptor(const StreamDescriptor& descriptor);
 

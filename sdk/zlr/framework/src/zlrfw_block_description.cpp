@@ -89,6 +89,10 @@ public:
         return Next::attribute;
     }
 
+    // ` name="` given with its quote, then plain decimal digits and the
+    // closing quote; on anything else the walk stays where it was.
+    bool number(std::string_view name_and_quote, std::size_t max_digits, std::uint64_t& value);
+
 private:
     const char* m_at;
     const char* m_end;
@@ -107,6 +111,27 @@ bool plainUnsigned(std::string_view text, std::size_t max_digits, std::uint64_t&
         }
         value = value * 10 + static_cast<std::uint64_t>(c - '0');
     }
+    return true;
+}
+
+bool PlainXml::number(std::string_view name_and_quote, std::size_t max_digits,
+                      std::uint64_t& value)
+{
+    const char* const before = m_at;
+    if (!take(name_and_quote)) {
+        return false;
+    }
+    const char* const digits = m_at;
+    while (m_at < m_end && *m_at != '"') {
+        ++m_at;
+    }
+    if (m_at == m_end ||
+        !plainUnsigned(std::string_view(digits, static_cast<std::size_t>(m_at - digits)),
+                       max_digits, value)) {
+        m_at = before;
+        return false;
+    }
+    ++m_at;
     return true;
 }
 
@@ -234,8 +259,26 @@ bool readPlainDataBlock(const char* text, std::size_t length, DataBlock& block)
             }
             return true;
         };
-        if (!xml.open("Channel") || !closedTag(xml, CHANNEL, read)) {
+        if (!xml.open("Channel")) {
             return false;
+        }
+        // The host writes a run's attributes in this order; other orders
+        // are read attribute by attribute.
+        const PlainXml attributes = xml;
+        std::uint64_t offset = 0;
+        if (!(xml.number(" channel_id=\"", DIGITS_64, channel.m_channel_id) &&
+              xml.number(" offset=\"", DIGITS_32, offset) &&
+              xml.number(" count=\"", DIGITS_64, channel.m_count) &&
+              xml.number(" first_sample_index=\"", DIGITS_64, channel.m_first_sample_index) &&
+              xml.number(" timestamp=\"", DIGITS_64, channel.m_timestamp) &&
+              xml.number(" duration=\"", DIGITS_64, channel.m_duration) && xml.take("/>"))) {
+            xml = attributes;
+            channel = DataBlockChannel();
+            if (!closedTag(xml, CHANNEL, read)) {
+                return false;
+            }
+        } else {
+            channel.m_offset = static_cast<std::uint32_t>(offset);
         }
         block.m_channels.push_back(channel);
     }

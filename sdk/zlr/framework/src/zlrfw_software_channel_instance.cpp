@@ -557,7 +557,7 @@ SoftwareChannelInstance::createStreamIterators(const std::vector<StreamDescripto
         if (text && readDataBlockDescription(text->data(), text->size(), layout) &&
             !layout.m_channels.empty()) {
             // The bytes belong to the list, which outlives the block object.
-            reader.addDataBlock(layout, block->getData());
+            reader.addDataBlock(std::move(layout), block->getData());
         }
     }
     for (const DataRegion& region : regions) {

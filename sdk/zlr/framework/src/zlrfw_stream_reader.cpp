@@ -3,13 +3,15 @@
 #include "zlrbase_assert.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace zlr::framework {
 
-void StreamReader::addDataBlock(const DataBlock& block, const void* data)
+void StreamReader::addDataBlock(DataBlock block, const void* data)
 {
-    m_blocks.emplace(block.m_stream_id,
-                     std::make_pair(static_cast<const unsigned char*>(data), block));
+    const std::uint64_t stream_id = block.m_stream_id;
+    m_blocks.emplace(stream_id,
+                     std::make_pair(static_cast<const unsigned char*>(data), std::move(block)));
 }
 
 void StreamReader::addDataRegion(const DataRegion& region)
