@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -187,6 +188,22 @@ bool closedTag(PlainXml& xml, const std::string_view (&names)[N], Read read)
     }
 }
 
+// The end of a root's tag after its last attribute: the whole answer for a
+// root that closes itself there, none yet for one that opens children.
+std::optional<bool> endOfRootTag(PlainXml& xml)
+{
+    std::string_view name;
+    std::string_view value;
+    switch (xml.attribute(name, value)) {
+    case PlainXml::Next::closed:
+        return xml.atEnd();
+    case PlainXml::Next::opened:
+        return std::nullopt;
+    default:
+        return false;
+    }
+}
+
 // One "DataRegion" element, appended to `regions`.
 bool plainRegion(PlainXml& xml, std::vector<DataRegion>& regions)
 {
@@ -300,13 +317,8 @@ bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList&
         return false;
     }
     list.m_block_count = static_cast<std::uint32_t>(count);
-    switch (xml.attribute(name, value)) {
-    case PlainXml::Next::closed:
-        return xml.atEnd();
-    case PlainXml::Next::opened:
-        break;
-    default:
-        return false;
+    if (const std::optional<bool> answer = endOfRootTag(xml)) {
+        return *answer;
     }
     static const std::string_view INTERVAL[] = {"begin", "end"};
     while (!xml.take("</DataBlockList>")) {
@@ -341,15 +353,8 @@ bool readPlainDataRegions(const char* text, std::size_t length, DataRegions& reg
     if (!xml.open("DataRegions")) {
         return false;
     }
-    std::string_view name;
-    std::string_view value;
-    switch (xml.attribute(name, value)) {
-    case PlainXml::Next::closed:
-        return xml.atEnd();
-    case PlainXml::Next::opened:
-        break;
-    default:
-        return false;
+    if (const std::optional<bool> answer = endOfRootTag(xml)) {
+        return *answer;
     }
     while (!xml.take("</DataRegions>")) {
         if (!plainRegion(xml, regions.m_regions)) {
