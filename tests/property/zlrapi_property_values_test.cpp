@@ -16,7 +16,7 @@ TEST(Rational, ReductionTable)
     const struct {
         std::int64_t numerator, denominator, reduced_numerator, reduced_denominator;
     } cases[] = {
-        {4, 8, 1, 2},     {6, 4, 3, 2},      {7, 7, 1, 1},     {3, 5, 3, 5},
+        // Positive fractions are the random test's; here zeros and signs.
         {0, 5, 0, 1},     {0, 0, 0, 0},      {1, 0, 1, 0},
         // A zero denominator: the numerator is the divisor, so 5/0 becomes 1/0.
         {5, 0, 1, 0},     {-5, 0, -5, 0},
