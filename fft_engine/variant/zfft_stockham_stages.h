@@ -74,31 +74,36 @@ template <int R, int N, int s, Direction D, Form F, class V>
     }
 }
 
-// The twiddles of the stride-1 stage for the two neighbouring angle indices
-// p and p + 1, one in each lane.
-// The powers are formed in split form, which rounds each lane as mul does.
+// The twiddles of the parallel chains' stride-1 stage for the two
+// neighbouring angle indices p and p + 1, one in each lane: w_1 from the
+// short table, the higher powers by products in split form, which rounds
+// each lane as mul does.
 template <int R, int N, Direction D, Form F>
 [[gnu::always_inline]] inline void pair_twiddles(const complex_t* W, int p, split_twiddle<cvec2> (&w)[R])
 {
-    constexpr int m = N / R;
-    if constexpr (F == Form::single) {
-        #pragma GCC unroll 16
-        for (int k = 1; k < R; ++k) {
-            w[k] = twiddle<D>(split(cvec2::load(W + (k - 1) * m + p)));
-        }
-    } else {
-        split_twiddle<cvec2> powers[R];
-        powers[1] = split(cvec2::load(W + p));
-        w[1] = twiddle<D>(powers[1]);
-        #pragma GCC unroll 16
-        for (int k = 2; k < R; ++k) {
-            powers[k] = power_product(powers, k);
-            w[k] = twiddle<D>(powers[k]);
-        }
+    static_assert(F == Form::parallel, "the single-threaded chains load their twiddles where they use them");
+    split_twiddle<cvec2> powers[R];
+    powers[1] = split(cvec2::load(W + p));
+    w[1] = twiddle<D>(powers[1]);
+    #pragma GCC unroll 16
+    for (int k = 2; k < R; ++k) {
+        powers[k] = power_product(powers, k);
+        w[k] = twiddle<D>(powers[k]);
     }
 }
 
 // ------------------------------------------------- twiddled stage bodies ----
+
+// The twiddle w_k of the stride-1 stage for the neighbouring angle indices p
+// and p + 1 of the long table, loaded where it is used. Made all at once,
+// the fifteen of radix 16 take thirty registers in split form and push the
+// butterfly's values out to the stack; one at a time they take two.
+template <int R, int N, Direction D>
+[[gnu::always_inline]] inline cvec2 times_pair_twiddle(const complex_t* W, int p, int k, cvec2 z)
+{
+    constexpr int m = N / R;
+    return mul(twiddle<D>(cvec2::load(W + (k - 1) * m + p)), z);
+}
 
 // Decimation in frequency, stride 1: two neighbouring p per step. Output k
 // of p and of p + 1 are R entries apart, so pairs of outputs are regrouped
@@ -110,21 +115,32 @@ template <int R, int n, Direction D, Form F>
     const complex_t* source = in + p;
     complex_t* target = out + std::ptrdiff_t{R} * p;
     cvec2 a[R], b[R];
-    split_twiddle<cvec2> w[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; ++k) {
         a[k] = cvec2::load(source + k * m);
     }
     radix_butterfly<R, D>(a, b);
-    pair_twiddles<R, n, D, F>(W, p, w);
-    #pragma GCC unroll 16
-    for (int k = 1; k < R; ++k) {
-        b[k] = mul(w[k], b[k]);
-    }
-    #pragma GCC unroll 16
-    for (int k = 0; k < R; k += 2) {
-        interleave_lo(b[k], b[k + 1]).store(target + k);
-        interleave_hi(b[k], b[k + 1]).store(target + R + k);
+    if constexpr (F == Form::single) {
+        // Each pair of outputs is twiddled and stored before the next.
+        #pragma GCC unroll 16
+        for (int k = 0; k < R; k += 2) {
+            const cvec2 even = k == 0 ? b[0] : times_pair_twiddle<R, n, D>(W, p, k, b[k]);
+            const cvec2 odd = times_pair_twiddle<R, n, D>(W, p, k + 1, b[k + 1]);
+            interleave_lo(even, odd).store(target + k);
+            interleave_hi(even, odd).store(target + R + k);
+        }
+    } else {
+        split_twiddle<cvec2> w[R];
+        pair_twiddles<R, n, D, F>(W, p, w);
+        #pragma GCC unroll 16
+        for (int k = 1; k < R; ++k) {
+            b[k] = mul(w[k], b[k]);
+        }
+        #pragma GCC unroll 16
+        for (int k = 0; k < R; k += 2) {
+            interleave_lo(b[k], b[k + 1]).store(target + k);
+            interleave_hi(b[k], b[k + 1]).store(target + R + k);
+        }
     }
 }
 
@@ -136,7 +152,6 @@ template <int R, int n, Direction D, Form F>
     const complex_t* source = in + std::ptrdiff_t{R} * p;
     complex_t* target = out + p;
     cvec2 a[R], b[R];
-    split_twiddle<cvec2> w[R];
     #pragma GCC unroll 16
     for (int k = 0; k < R; k += 2) {
         const cvec2 first = cvec2::load(source + k);
@@ -144,10 +159,18 @@ template <int R, int n, Direction D, Form F>
         a[k] = interleave_lo(first, second);
         a[k + 1] = interleave_hi(first, second);
     }
-    pair_twiddles<R, n, D, F>(W, p, w);
-    #pragma GCC unroll 16
-    for (int k = 1; k < R; ++k) {
-        a[k] = mul(w[k], a[k]);
+    if constexpr (F == Form::single) {
+        #pragma GCC unroll 16
+        for (int k = 1; k < R; ++k) {
+            a[k] = times_pair_twiddle<R, n, D>(W, p, k, a[k]);
+        }
+    } else {
+        split_twiddle<cvec2> w[R];
+        pair_twiddles<R, n, D, F>(W, p, w);
+        #pragma GCC unroll 16
+        for (int k = 1; k < R; ++k) {
+            a[k] = mul(w[k], a[k]);
+        }
     }
     radix_butterfly<R, D>(a, b);
     #pragma GCC unroll 16
