@@ -61,7 +61,6 @@ TEST(NumberTexts, ConversionsAndTheirCallers)
         std::string expected;
     } cases[] = {
         {[] { return show(stolChecked("0x10", 0)); }, "16"},
-        {[] { return show(stolChecked(" -7 rest")); }, "-7"},
         {[] { return show(stolChecked("")); }, invalid + "invalid stol argument"},
         {[] { return show(stolChecked("99999999999999999999")); },
          range + "stol argument out of range"},

@@ -201,7 +201,6 @@ TEST(Property, OnlyTheCapitalisedWordIsTrue)
         read.setTextValue(Property::BOOLEAN_VALUE, text);
         EXPECT_FALSE(read.getBoolValue()) << text;
     }
-    EXPECT_TRUE(Property("b", true).getBoolValue());
 }
 
 TEST(Property, ComparisonIsShallow)

@@ -15,14 +15,6 @@
 
 namespace {
 
-std::string timebaseText(const zlr::Timebase& timebase)
-{
-    pugi::xml_document document;
-    pugi::xml_node channel = document.append_child("Channel");
-    zlr::writeTimebase(channel, timebase);
-    return xpugi::to_xml(channel, false);
-}
-
 bool readTimebaseText(const std::string& text, zlr::Timebase& timebase)
 {
     pugi::xml_document document;
@@ -32,12 +24,8 @@ bool readTimebaseText(const std::string& text, zlr::Timebase& timebase)
 
 } // namespace
 
-// Both kinds stand in the channel tree's exact text; no kind writes nothing.
-TEST(Timebase, ExactTexts)
-{
-    EXPECT_EQ(timebaseText({}), "<Channel/>");
-}
-
+// What the writer makes of each kind, and of none, is the channel tree's
+// fuzz seed in written form.
 TEST(Timebase, ReadingPicksTheFirstUsableElement)
 {
     struct Case {
@@ -51,7 +39,6 @@ TEST(Timebase, ReadingPicksTheFirstUsableElement)
         {"<C><SimpleTimebase/></C>", false, 0, NAN, 0.0},
         {"<C><SimpleTimebase frequency='nan'/></C>", false, 0, NAN, 0.0},
         {"<C><TimebaseWithOffset frequency='10'/></C>", true, 2, 10.0, 0.0},
-        {"<C><TimebaseWithOffset offset='3'/></C>", false, 0, NAN, 0.0},
         {"<C><SimpleTimebase/><TimebaseWithOffset frequency='5' offset='1'/></C>", true, 2, 5.0, 1.0},
         {"<C><TimebaseWithOffset frequency='5' offset='1'/><SimpleTimebase frequency='8'/></C>", true, 1, 8.0, 0.0},
         {"<C><Timebase frequency='5'/></C>", false, 0, NAN, 0.0},
@@ -75,7 +62,6 @@ TEST(Timestamp, ParsingTable)
         {R"(<MasterTimebaseValue ticks="123456789012" frequency="1000000"/>)", true, 123456789012u, 1e6},
         {R"(<T ticks="0x10" frequency="2.5"/>)", true, 16, 2.5},
         {R"(<T ticks="5"/>)", false, 0, -1.0},
-        {R"(<T frequency="5"/>)", false, 0, -1.0},
         {R"(<T ticks="abc" frequency="5"/>)", false, 0, -1.0},
         {R"(<T ticks="5" frequency="fast"/>)", false, 5, -1.0},
         {R"(<T ticks="5" frequency="1")", false, 77, 3.0},
