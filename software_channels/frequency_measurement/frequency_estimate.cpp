@@ -43,9 +43,6 @@ void FrequencyMeasurementInstance::prepareEstimator(std::uint64_t window_size)
     m_fft = ZFFT::create_real_fft(static_cast<int>(window_size), 0);
     m_spectrum.clear();
     m_spectrum.resize(window_size, complex_t{0.0, 0.0});
-    // The value every window of this size would evaluate, evaluated once.
-    m_half_step = halfExpI(TWO_PI / static_cast<double>(window_size));
-    m_rotation_bin = 0;
 }
 
 void FrequencyMeasurementInstance::releaseEstimator()
@@ -95,23 +92,17 @@ double FrequencyMeasurementInstance::estimateFrequency(const double* samples, st
         return refused;
     }
 
+    // The three exponentials are evaluated afresh for every window: the
+    // estimator keeps no table of its own, whatever it would save.
     const double omega = TWO_PI / static_cast<double>(n);
-    // exp(-i omega) is the conjugate of exp(i omega) to the last bit (the
-    // cosine is even, the sine odd), so one evaluation serves a and b; it
-    // depends on the size alone and was made with the transform.
-    const complex_t b = m_half_step;
-    const complex_t a{b.re, -b.im};
-    // A steady signal keeps its peak bin from window to window, and the
-    // rotation to it is then the one of the window before.
-    if (k != m_rotation_bin) {
-        m_rotation = halfExpI(omega * static_cast<double>(k));
-        m_rotation_bin = k;
-    }
+    const complex_t a = halfExpI(-omega);
+    const complex_t b = halfExpI(omega);
+    const complex_t c = halfExpI(omega * static_cast<double>(k));
 
     // Spectrum at bin k, under a periodic Hann window, of the signal
     // advanced by one sample ...
     const complex_t Y = minus(minus(X[k], times(b, X[k + 1])), times(a, X[k - 1]));
-    const complex_t Z = times(Y, m_rotation);
+    const complex_t Z = times(Y, c);
     const double phi1 = std::atan2(Z.im, Z.re);
 
     // ... and of the signal as it stands.

@@ -117,10 +117,4 @@ private:
     std::uint64_t m_window_size = 0;
     std::vector<ZFFT::complex_t> m_spectrum;
     ZFFT::RealFFTPtr m_fft;
-    // 0.5 exp(i 2 pi / m_window_size), and 0.5 exp(i 2 pi k / m_window_size)
-    // for the peak bin k of the last window (k 0: none yet): the estimator's
-    // exponentials, kept because a window so often needs the same ones.
-    ZFFT::complex_t m_half_step{0.0, 0.0};
-    std::uint64_t m_rotation_bin = 0;
-    ZFFT::complex_t m_rotation{0.0, 0.0};
 };
