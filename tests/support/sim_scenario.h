@@ -4,9 +4,9 @@
 // plug-in's assertions and the log recorded.
 //
 // At the end it finishes and deletes the plug-in and fails the test on an
-// assertion of the plug-in, a protocol fault of the host or a logged
-// unhandled exception that the test did not declare, on a declared one that
-// never came, and on a value object still alive; on failure it prints what
+// assertion of the plug-in or a protocol fault of the host that the test did
+// not declare, on a declared one that never came, on any logged unhandled
+// exception, and on a value object still alive; on failure it prints what
 // the host holds.
 //
 //   class MyScenario : public zelvar_sim::test::SimScenario {};
@@ -40,11 +40,6 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Before the plug-in loads: the identity the host gives itself, and a
-    // place to put values into the tree or responders on the host.
-    virtual std::string hostName() const { return "Zelvar"; }
-    virtual std::string hostVersion() const { return "5.6"; }
-    virtual void prepareHost(SimHost&) {}
     // The host object itself, for a test that needs one that misbehaves.
     virtual std::unique_ptr<SimHost> makeHost() { return std::make_unique<SimHost>(); }
 
@@ -62,7 +57,6 @@ protected:
     // at least one must come.
     void expectAssertion(const std::string& expression_part);
     void expectFault(std::uint32_t message_id, const std::string& reason_part = {});
-    void expectUnhandledException(const std::string& text_part);
 
 private:
     struct Expected {
@@ -82,7 +76,6 @@ private:
 
     std::vector<Expected> m_expected_assertions;
     std::vector<Expected> m_expected_faults;
-    std::vector<Expected> m_expected_exceptions;
 };
 
 // The built plug-in's path, for tests that load it on their own.
