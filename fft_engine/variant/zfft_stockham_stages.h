@@ -74,32 +74,20 @@ template <int R, int N, int s, Direction D, Form F, class V>
     }
 }
 
-// The twiddles of the parallel chains' stride-1 stage for the two
-// neighbouring angle indices p and p + 1, one in each lane: w_1 from the
-// short table, the higher powers by products in split form, which rounds
-// each lane as mul does.
-template <int R, int N, Direction D>
-[[gnu::always_inline]] inline void pair_twiddles(const complex_t* W, int p, split_twiddle<cvec2> (&w)[R])
+// v[k] times w_k of the parallel chains' stride-1 stage, for k from 1 and
+// the two neighbouring angle indices p and p + 1, one in each lane: w_1
+// from the short table, the higher powers by products in split form, which
+// rounds each lane as mul does.
+template <int R, Direction D>
+[[gnu::always_inline]] inline void times_pair_powers(const complex_t* W, int p, cvec2 (&v)[R])
 {
     split_twiddle<cvec2> powers[R];
     powers[1] = split(cvec2::load(W + p));
-    w[1] = twiddle<D>(powers[1]);
+    v[1] = mul(twiddle<D>(powers[1]), v[1]);
     #pragma GCC unroll 16
     for (int k = 2; k < R; ++k) {
         powers[k] = power_product(powers, k);
-        w[k] = twiddle<D>(powers[k]);
-    }
-}
-
-// v[k] times w_k of the parallel chains' stride-1 stage, for k from 1.
-template <int R, int N, Direction D>
-[[gnu::always_inline]] inline void times_pair_powers(const complex_t* W, int p, cvec2 (&v)[R])
-{
-    split_twiddle<cvec2> w[R];
-    pair_twiddles<R, N, D>(W, p, w);
-    #pragma GCC unroll 16
-    for (int k = 1; k < R; ++k) {
-        v[k] = mul(w[k], v[k]);
+        v[k] = mul(twiddle<D>(powers[k]), v[k]);
     }
 }
 
@@ -141,7 +129,7 @@ template <int R, int n, Direction D, Form F>
             interleave_hi(even, odd).store(target + R + k);
         }
     } else {
-        times_pair_powers<R, n, D>(W, p, b);
+        times_pair_powers<R, D>(W, p, b);
         #pragma GCC unroll 16
         for (int k = 0; k < R; k += 2) {
             interleave_lo(b[k], b[k + 1]).store(target + k);
@@ -171,7 +159,7 @@ template <int R, int n, Direction D, Form F>
             a[k] = times_pair_twiddle<R, n, D>(W, p, k, a[k]);
         }
     } else {
-        times_pair_powers<R, n, D>(W, p, a);
+        times_pair_powers<R, D>(W, p, a);
     }
     radix_butterfly<R, D>(a, b);
     #pragma GCC unroll 16

@@ -283,14 +283,7 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
             for (const Source& source : sources) {
                 const zlr::ChannelDescriptor& layout = *source.layout;
                 const SampleSpan& window = source.window;
-                pieces.clear();
-                for (const SampleSpan& span : source.spans) {
-                    const std::uint64_t begin = std::max(span.begin, window.begin);
-                    const std::uint64_t end = std::min(span.end, window.end);
-                    if (begin < end) {
-                        pieces.push_back({begin, end});
-                    }
-                }
+                clipSpans(source.spans, window, pieces);
                 if (pieces.empty()) {
                     // An empty run keeps the block, and the step it stands for.
                     pieces.push_back({window.begin, window.begin});

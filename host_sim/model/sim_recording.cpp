@@ -88,6 +88,14 @@ bool Recording::readAsDoubles(std::uint64_t first, std::uint64_t count, unsigned
 std::vector<SampleSpan> clipSpans(const std::vector<SampleSpan>& spans, SampleSpan window)
 {
     std::vector<SampleSpan> clipped;
+    clipSpans(spans, window, clipped);
+    return clipped;
+}
+
+void clipSpans(const std::vector<SampleSpan>& spans, SampleSpan window,
+               std::vector<SampleSpan>& clipped)
+{
+    clipped.clear();
     for (const SampleSpan& span : spans) {
         const std::uint64_t begin = std::max(span.begin, window.begin);
         const std::uint64_t end = std::min(span.end, window.end);
@@ -95,7 +103,6 @@ std::vector<SampleSpan> clipSpans(const std::vector<SampleSpan>& spans, SampleSp
             clipped.push_back({begin, end});
         }
     }
-    return clipped;
 }
 
 MemoryRecording::MemoryRecording(SampleEncoding encoding, std::vector<unsigned char> bytes,

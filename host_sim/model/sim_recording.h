@@ -47,6 +47,10 @@ struct SampleSpan {
 
 // The spans of `spans` that lie within `window`, cut to it.
 std::vector<SampleSpan> clipSpans(const std::vector<SampleSpan>& spans, SampleSpan window);
+// The same into `clipped`, emptied first, for a caller that cuts many windows
+// and keeps its room.
+void clipSpans(const std::vector<SampleSpan>& spans, SampleSpan window,
+               std::vector<SampleSpan>& clipped);
 
 class Recording {
 public:
