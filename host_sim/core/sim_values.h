@@ -93,6 +93,29 @@ private:
     std::string m_text;
 };
 
+// A block's description as the plug-in gets it: the list's own text, lent
+// until the plug-in writes to it, so that the blocks of a step are not each
+// copied to be read once.
+class LentXmlValue final : public RefCounted<zlr::IfXmlValue> {
+public:
+    LentXmlValue(ValueLedger& ledger, const std::string& text, std::shared_ptr<const void> keep_alive)
+        : RefCounted(ledger, TYPE_CODE), m_text(&text), m_keep_alive(std::move(keep_alive))
+    {
+    }
+    const char* getData() override { return m_text->c_str(); }
+    std::int32_t getLength() override { return static_cast<std::int32_t>(m_text->size()); }
+    void set(const char* text) override
+    {
+        m_written = text ? text : "";
+        m_text = &m_written;
+    }
+
+private:
+    const std::string* m_text;
+    std::string m_written;
+    std::shared_ptr<const void> m_keep_alive;
+};
+
 class BooleanValue final : public RefCounted<zlr::IfBooleanValue> {
 public:
     explicit BooleanValue(ValueLedger& ledger, bool value = false)
@@ -144,7 +167,10 @@ public:
           m_keep_alive(std::move(keep_alive))
     {
     }
-    zlr::IfXmlValue* getDescription() override { return new XmlValue(ledger(), m_description); }
+    zlr::IfXmlValue* getDescription() override
+    {
+        return new LentXmlValue(ledger(), m_description, m_keep_alive);
+    }
     void reserved6() override {}
     const void* getData() override { return m_data; }
 

@@ -1,5 +1,6 @@
 #include "zlrapi_xml_buffered_writer.h"
 
+#include "zlrapi_seventeen_digits.h"
 #include "zlrbase_assert.h"
 
 #include <bit>
@@ -155,12 +156,7 @@ void XmlBufferedWriter::writeDouble(double value)
     // 17 significant digits, the printf "%g" rules: enough for a correctly
     // rounding reader to get the same double back.
     char* const begin = m_buffer.data() + m_cursor;
-    const std::to_chars_result res =
-        std::to_chars(begin, m_buffer.data() + BUFFER_SIZE, magnitude, std::chars_format::general, 17);
-    ZLR_ASSERT(res.ec == std::errc());
-    if (res.ec == std::errc()) {
-        m_cursor += static_cast<std::size_t>(res.ptr - begin);
-    }
+    m_cursor += static_cast<std::size_t>(printSeventeenDigits(begin, magnitude) - begin);
 }
 
 void XmlBufferedWriter::stepBack()

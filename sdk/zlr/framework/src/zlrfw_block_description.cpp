@@ -94,6 +94,10 @@ public:
     // closing quote; on anything else the walk stays where it was.
     bool number(std::string_view name_and_quote, std::size_t max_digits, std::uint64_t& value);
 
+    // ` name="` given with its quote, then a value without markup and the
+    // closing quote; on anything else the walk stays where it was.
+    bool quoted(std::string_view name_and_quote, std::string_view& value);
+
 private:
     const char* m_at;
     const char* m_end;
@@ -122,16 +126,38 @@ bool PlainXml::number(std::string_view name_and_quote, std::size_t max_digits,
     if (!take(name_and_quote)) {
         return false;
     }
+    // Digits are read as they are passed, in the one walk to the quote.
     const char* const digits = m_at;
-    while (m_at < m_end && *m_at != '"') {
+    std::uint64_t read = 0;
+    while (m_at < m_end && *m_at >= '0' && *m_at <= '9') {
+        read = read * 10 + static_cast<std::uint64_t>(*m_at - '0');
         ++m_at;
     }
-    if (m_at == m_end ||
-        !plainUnsigned(std::string_view(digits, static_cast<std::size_t>(m_at - digits)),
-                       max_digits, value)) {
+    const auto count = static_cast<std::size_t>(m_at - digits);
+    if (m_at == m_end || *m_at != '"' || count == 0 || count > max_digits) {
         m_at = before;
         return false;
     }
+    ++m_at;
+    value = read;
+    return true;
+}
+
+bool PlainXml::quoted(std::string_view name_and_quote, std::string_view& value)
+{
+    const char* const before = m_at;
+    if (!take(name_and_quote)) {
+        return false;
+    }
+    const char* const begin = m_at;
+    while (m_at < m_end && *m_at != '"' && *m_at != '&' && *m_at != '<') {
+        ++m_at;
+    }
+    if (m_at == m_end || *m_at != '"') {
+        m_at = before;
+        return false;
+    }
+    value = std::string_view(begin, static_cast<std::size_t>(m_at - begin));
     ++m_at;
     return true;
 }
@@ -139,15 +165,12 @@ bool PlainXml::number(std::string_view name_and_quote, std::size_t max_digits,
 // A number that strtod reads whole to the same double without a range error.
 bool plainDouble(std::string_view text, double& value)
 {
-    bool nonzero_digit = false;
-    bool in_exponent = false;
-    for (const char c : text) {
-        const bool digit = c >= '0' && c <= '9';
-        if (!digit && c != '.' && c != 'e' && c != 'E' && c != '-' && c != '+') {
-            return false;
-        }
-        in_exponent = in_exponent || c == 'e' || c == 'E';
-        nonzero_digit = nonzero_digit || (digit && c != '0' && !in_exponent);
+    // from_chars reads what strtod reads, and the words "inf" and "nan"
+    // besides, which the reader does not take for a number.
+    const std::size_t lead = !text.empty() && text.front() == '-' ? 1 : 0;
+    if (lead == text.size() ||
+        !((text[lead] >= '0' && text[lead] <= '9') || text[lead] == '.')) {
+        return false;
     }
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
@@ -156,7 +179,18 @@ bool plainDouble(std::string_view text, double& value)
     }
     // strtod calls a result below the normal range out of range, and the
     // reader refuses it; so does a non-zero number that came out as zero.
-    return !(value != 0.0 && std::fabs(value) < DBL_MIN) && !(value == 0.0 && nonzero_digit);
+    if (value == 0.0) {
+        for (const char c : text) {
+            if (c == 'e' || c == 'E') {
+                break;
+            }
+            if (c >= '1' && c <= '9') {
+                return false;
+            }
+        }
+        return true;
+    }
+    return std::fabs(value) >= DBL_MIN;
 }
 
 // Reads the attributes of a tag that must close itself, each of `names`
@@ -229,6 +263,11 @@ bool readPlainDataBlock(const char* text, std::size_t length, DataBlock& block)
     }
     bool seen_stream = false;
     bool seen_size = false;
+    // The host's order first; whatever it leaves is read attribute by attribute.
+    if (xml.number(" stream_id=\"", DIGITS_64, block.m_stream_id)) {
+        seen_stream = true;
+        seen_size = xml.number(" data_size=\"", DIGITS_64, block.m_data_size);
+    }
     std::string_view name;
     std::string_view value;
     for (bool reading = true; reading;) {
@@ -328,8 +367,20 @@ bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList&
                 const auto read = [&interval](std::size_t k, std::string_view number) {
                     return plainDouble(number, k == 0 ? interval.m_begin : interval.m_end);
                 };
-                if (!xml.open("Interval") || !closedTag(xml, INTERVAL, read)) {
+                if (!xml.open("Interval")) {
                     return false;
+                }
+                // The host's order first, as for a block's runs.
+                const PlainXml attributes = xml;
+                std::string_view begin;
+                std::string_view end;
+                if (!(xml.quoted(" begin=\"", begin) && xml.quoted(" end=\"", end) &&
+                      xml.take("/>") && read(0, begin) && read(1, end))) {
+                    xml = attributes;
+                    interval = DataInterval();
+                    if (!closedTag(xml, INTERVAL, read)) {
+                        return false;
+                    }
                 }
                 list.m_intervals.push_back(interval);
             }
