@@ -8,7 +8,13 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -99,6 +105,42 @@ TEST(NumberTexts, ConversionsAndTheirCallers)
     };
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         EXPECT_EQ(outcome(cases[i].call), cases[i].expected) << "row " << i;
+    }
+}
+
+// stodChecked takes a short way for plain decimals; whatever the text, it
+// must answer what strtod answers.
+TEST(NumberTexts, StodAnswersAsStrtodOnRandomTexts)
+{
+    const auto reference = [](const std::string& text) -> std::string {
+        char* end = nullptr;
+        errno = 0;
+        const double value = std::strtod(text.c_str(), &end);
+        if (end == text.c_str()) return "invalid";
+        if (errno == ERANGE) return "range";
+        return show(std::bit_cast<std::uint64_t>(value));
+    };
+    const auto answer = [](const std::string& text) -> std::string {
+        try {
+            return show(std::bit_cast<std::uint64_t>(stodChecked(text)));
+        } catch (const std::invalid_argument&) {
+            return "invalid";
+        } catch (const std::out_of_range&) {
+            return "range";
+        }
+    };
+    static const char* const formats[] = {"%.17g", "%g", "%.3e", "%.0f", "%.25f"};
+    static const char* const decorations[] = {"", " ", "+", "-", "x", "e", "0x", "inf", "e-330"};
+    std::mt19937_64 random(29);
+    for (int i = 0; i < 20000; ++i) {
+        const double value = std::ldexp(std::uniform_real_distribution<double>(-1.0, 1.0)(random),
+                                        static_cast<int>(random() % 2200) - 1100);
+        char text[400];
+        std::snprintf(text, sizeof text, formats[random() % std::size(formats)], value);
+        std::string decorated = text;
+        const std::string decoration = decorations[random() % std::size(decorations)];
+        decorated.insert(random() % 2 ? 0 : decorated.size(), decoration);
+        EXPECT_EQ(answer(decorated), reference(decorated)) << decorated;
     }
 }
 

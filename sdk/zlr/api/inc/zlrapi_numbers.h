@@ -8,6 +8,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace zlr {
 
@@ -16,5 +17,12 @@ unsigned long stoulChecked(const std::string& text, int base = 10);
 long long stollChecked(const std::string& text, int base = 10);
 unsigned long long stoullChecked(const std::string& text, int base = 10);
 double stodChecked(const std::string& text);
+
+// A plain decimal number (an optional '-', digits with an optional point,
+// an optional exponent) and nothing else, which strtod reads to the same
+// double without a range error. Answers false, and leaves the strtod cases
+// to strtod, for anything else: blanks, '+', hexadecimal, "inf", "nan",
+// and numbers beyond the normal range.
+bool readPlainDouble(std::string_view text, double& value);
 
 } // namespace zlr

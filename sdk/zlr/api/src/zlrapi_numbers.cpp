@@ -1,6 +1,9 @@
 #include "zlrapi_numbers.h"
 
 #include <cerrno>
+#include <cfloat>
+#include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -56,7 +59,42 @@ unsigned long long stoullChecked(const std::string& text, int base)
 
 double stodChecked(const std::string& text)
 {
+    // The host's times come as 17 digits, which strtod reads the slow way.
+    double value = 0.0;
+    if (readPlainDouble(text, value)) {
+        return value;
+    }
     return convert<double>(text, "stod", [](const char* s, char** e) { return std::strtod(s, e); });
+}
+
+bool readPlainDouble(std::string_view text, double& value)
+{
+    const std::size_t lead = !text.empty() && text.front() == '-' ? 1 : 0;
+    if (lead == text.size() ||
+        !((text[lead] >= '0' && text[lead] <= '9') || text[lead] == '.')) {
+        return false;
+    }
+    const char* const end = text.data() + text.size();
+    double read = 0.0;
+    const auto [stop, error] = std::from_chars(text.data(), end, read);
+    if (error != std::errc() || stop != end) {
+        return false;
+    }
+    if (read == 0.0) {
+        // A zero that came of non-zero digits underflowed.
+        for (const char c : text) {
+            if (c == 'e' || c == 'E') {
+                break;
+            }
+            if (c >= '1' && c <= '9') {
+                return false;
+            }
+        }
+    } else if (std::fabs(read) < DBL_MIN) {
+        return false;
+    }
+    value = read;
+    return true;
 }
 
 } // namespace zlr

@@ -30,6 +30,16 @@ constexpr std::array<Wide, 23> TEN_TO = [] {
     return powers;
 }();
 
+// "00" to "99".
+constexpr std::array<char, 200> DIGIT_PAIRS = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t n = 0; n < 100; ++n) {
+        pairs[2 * n] = static_cast<char>('0' + n / 10);
+        pairs[2 * n + 1] = static_cast<char>('0' + n % 10);
+    }
+    return pairs;
+}();
+
 char* copyDigits(char* out, const char* digits, int count)
 {
     for (int i = 0; i < count; ++i) {
@@ -76,10 +86,18 @@ char* printSeventeenDigits(char* out, double magnitude)
         }
     }
 
+    // Two 32-bit halves of 8 and 9 digits, taken two digits at a time.
     char text[17];
-    for (int i = 16; i >= 0; --i) {
-        text[i] = static_cast<char>('0' + digits % 10);
-        digits /= 10;
+    std::uint32_t low = static_cast<std::uint32_t>(digits % 1000000000);
+    std::uint32_t high = static_cast<std::uint32_t>(digits / 1000000000);
+    for (int i = 15; i >= 9; i -= 2) {
+        copyDigits(text + i, DIGIT_PAIRS.data() + 2 * (low % 100), 2);
+        low /= 100;
+    }
+    text[8] = static_cast<char>('0' + low);
+    for (int i = 6; i >= 0; i -= 2) {
+        copyDigits(text + i, DIGIT_PAIRS.data() + 2 * (high % 100), 2);
+        high /= 100;
     }
     int significant = 17;
     while (text[significant - 1] == '0') {

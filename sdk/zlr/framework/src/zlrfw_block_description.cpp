@@ -1,8 +1,7 @@
 #include "zlrfw_block_description.h"
 
-#include <cfloat>
-#include <charconv>
-#include <cmath>
+#include "zlrapi_numbers.h"
+
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -160,37 +159,6 @@ bool PlainXml::quoted(std::string_view name_and_quote, std::string_view& value)
     value = std::string_view(begin, static_cast<std::size_t>(m_at - begin));
     ++m_at;
     return true;
-}
-
-// A number that strtod reads whole to the same double without a range error.
-bool plainDouble(std::string_view text, double& value)
-{
-    // from_chars reads what strtod reads, and the words "inf" and "nan"
-    // besides, which the reader does not take for a number.
-    const std::size_t lead = !text.empty() && text.front() == '-' ? 1 : 0;
-    if (lead == text.size() ||
-        !((text[lead] >= '0' && text[lead] <= '9') || text[lead] == '.')) {
-        return false;
-    }
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end) {
-        return false;
-    }
-    // strtod calls a result below the normal range out of range, and the
-    // reader refuses it; so does a non-zero number that came out as zero.
-    if (value == 0.0) {
-        for (const char c : text) {
-            if (c == 'e' || c == 'E') {
-                break;
-            }
-            if (c >= '1' && c <= '9') {
-                return false;
-            }
-        }
-        return true;
-    }
-    return std::fabs(value) >= DBL_MIN;
 }
 
 // Reads the attributes of a tag that must close itself, each of `names`
@@ -365,7 +333,7 @@ bool readPlainDataBlockList(const char* text, std::size_t length, DataBlockList&
             while (!xml.take("</Intervals>")) {
                 DataInterval interval;
                 const auto read = [&interval](std::size_t k, std::string_view number) {
-                    return plainDouble(number, k == 0 ? interval.m_begin : interval.m_end);
+                    return readPlainDouble(number, k == 0 ? interval.m_begin : interval.m_end);
                 };
                 if (!xml.open("Interval")) {
                     return false;
