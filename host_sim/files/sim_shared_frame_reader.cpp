@@ -2,7 +2,7 @@
 
 #include "sim_file_error.h"
 
-#include <emmintrin.h>
+#include <immintrin.h>
 
 #include <algorithm>
 #include <cstring>
@@ -29,6 +29,36 @@ unsigned char* pickChannel(const unsigned char* from, std::size_t frame_bytes,
     return out;
 }
 
+// The mono and stereo loops again with AVX2, eight frames at a time, on the
+// processors that have it; answers the frames done, the rest is left over.
+__attribute__((target("avx2"))) std::uint64_t
+pickInt16AsDoublesAvx2(const unsigned char* frames, std::size_t channel, std::size_t frame_bytes,
+                       std::uint64_t count, unsigned char*& out)
+{
+    if (frame_bytes != 2 && frame_bytes != 4) {
+        return 0;
+    }
+    std::uint64_t done = 0;
+    for (; done + 8 <= count; done += 8) {
+        __m256i eight;
+        if (frame_bytes == 4) {
+            const __m256i v =
+                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(frames + done * 4));
+            eight = channel == 0 ? _mm256_srai_epi32(_mm256_slli_epi32(v, 16), 16)
+                                 : _mm256_srai_epi32(v, 16);
+        } else {
+            eight = _mm256_cvtepi16_epi32(
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(frames + done * 2)));
+        }
+        _mm256_storeu_pd(reinterpret_cast<double*>(out),
+                         _mm256_cvtepi32_pd(_mm256_castsi256_si128(eight)));
+        _mm256_storeu_pd(reinterpret_cast<double*>(out + 32),
+                         _mm256_cvtepi32_pd(_mm256_extracti128_si256(eight, 1)));
+        out += 64;
+    }
+    return done;
+}
+
 // 16-bit samples of one channel widened to doubles: the sound files people
 // record most, so mono and stereo go four and eight at a time with SSE2,
 // which every x86-64 processor has; other layouts one by one. Vectors are
@@ -37,6 +67,12 @@ unsigned char* pickInt16AsDoubles(const unsigned char* frames, std::size_t chann
                                   std::size_t frame_bytes, std::uint64_t count,
                                   unsigned char* out)
 {
+    static const bool avx2 = __builtin_cpu_supports("avx2");
+    if (avx2) {
+        const std::uint64_t wide = pickInt16AsDoublesAvx2(frames, channel, frame_bytes, count, out);
+        frames += wide * frame_bytes;
+        count -= wide;
+    }
     std::uint64_t done = 0;
     const auto store = [&out](__m128i four) {
         _mm_storeu_pd(reinterpret_cast<double*>(out), _mm_cvtepi32_pd(four));
