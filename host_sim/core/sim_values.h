@@ -183,33 +183,45 @@ private:
     std::shared_ptr<const void> m_keep_alive;
 };
 
-// The answer to a data request: a DataBlockList document and its blocks.
+// The answer to a data request: a DataBlockList document and its blocks,
+// whose bytes lie one after the other in one piece, so that the blocks of a
+// step cost one allocation.
 class DataBlockList final : public RefCounted<zlr::IfDataBlockList> {
 public:
     struct Block {
         std::string description;
-        BlockBytes bytes;
+        std::size_t offset = 0; // of its first byte in the list's bytes
     };
 
-    DataBlockList(ValueLedger& ledger, std::string description, std::vector<Block> blocks)
+    DataBlockList(ValueLedger& ledger, std::string description, std::vector<Block> blocks,
+                  BlockBytes bytes)
         : RefCounted(ledger, TYPE_CODE), m_description(std::move(description)),
-          m_blocks(std::make_shared<std::vector<Block>>(std::move(blocks)))
+          m_content(std::make_shared<Content>(Content{std::move(blocks), std::move(bytes)}))
     {
     }
     zlr::IfXmlValue* getDescription() override { return new XmlValue(ledger(), m_description); }
-    std::int32_t getBlockCount() override { return static_cast<std::int32_t>(m_blocks->size()); }
+    std::int32_t getBlockCount() override
+    {
+        return static_cast<std::int32_t>(m_content->blocks.size());
+    }
     zlr::IfDataBlock* getBlock(std::int32_t index) override
     {
         if (index < 0 || index >= getBlockCount()) {
             return nullptr;
         }
-        const Block& block = (*m_blocks)[static_cast<std::size_t>(index)];
-        return new DataBlock(ledger(), block.description, block.bytes.data(), m_blocks);
+        const Block& block = m_content->blocks[static_cast<std::size_t>(index)];
+        return new DataBlock(ledger(), block.description, m_content->bytes.data() + block.offset,
+                             m_content);
     }
 
 private:
+    struct Content {
+        std::vector<Block> blocks;
+        BlockBytes bytes;
+    };
+
     std::string m_description;
-    std::shared_ptr<std::vector<Block>> m_blocks;
+    std::shared_ptr<const Content> m_content;
 };
 
 // A fresh value of `type` with one reference, or null for a type the host

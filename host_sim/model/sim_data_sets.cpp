@@ -14,6 +14,9 @@
 namespace zelvar_sim {
 namespace {
 
+// Where a block's bytes start within the bytes of its list.
+constexpr std::size_t BLOCK_ALIGNMENT = 16;
+
 // The first sample at or after a time; times before the start give sample 0.
 std::uint64_t sampleAt(double seconds, double rate)
 {
@@ -253,6 +256,15 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
             }
         }
         content.blocks.reserve(content.blocks.size() + (last - first));
+        // Room for every channel's plain values in all the blocks, so that
+        // the bytes are not moved as they grow.
+        std::size_t expected = (last - first) * BLOCK_ALIGNMENT;
+        for (Source& source : sources) {
+            SampleSpan all = samplesOf(*source.channel, grid.boundary(first), grid.boundary(last));
+            all.end = std::min(all.end, source.delivered->length());
+            expected += (all.end > all.begin ? all.end - all.begin : 0) * (source.layout->m_stride / 8);
+        }
+        content.bytes.reserve(content.bytes.size() + expected);
         zlr::DataBlock description;
         description.m_stream_id = stream.m_stream_id;
         for (std::uint64_t k = first; k < last; ++k) {
@@ -261,25 +273,22 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
             const double block_begin = grid.boundary(k);
             const double block_end = grid.boundary(k + 1);
             DataBlockList::Block block;
+            block.offset = content.bytes.size();
             const auto close = [&] {
-                description.m_data_size = block.bytes.size();
+                description.m_data_size = content.bytes.size() - block.offset;
                 block.description = writeDataBlock(description);
                 content.blocks.push_back(std::move(block));
-                block = {};
                 description.m_channels.clear();
+                // The next block starts aligned, as one of its own would.
+                content.bytes.resize((content.bytes.size() + BLOCK_ALIGNMENT - 1) /
+                                     BLOCK_ALIGNMENT * BLOCK_ALIGNMENT);
+                block = {};
+                block.offset = content.bytes.size();
             };
-            // Room for every channel's plain values, so that the block is
-            // not moved as it grows.
-            std::size_t expected = 0;
             for (Source& source : sources) {
                 source.window = samplesOf(*source.channel, block_begin, block_end);
                 source.window.end = std::min(source.window.end, source.delivered->length());
-                expected += (source.window.end > source.window.begin
-                                 ? source.window.end - source.window.begin
-                                 : 0) *
-                            (source.layout->m_stride / 8);
             }
-            block.bytes.reserve(expected);
             for (const Source& source : sources) {
                 const zlr::ChannelDescriptor& layout = *source.layout;
                 const SampleSpan& window = source.window;
@@ -291,14 +300,15 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
                 for (std::size_t p = 0; p < pieces.size(); ++p) {
                     const SampleSpan& piece = pieces[p];
                     zlr::DataBlockChannel run;
-                    run.m_offset = static_cast<std::uint32_t>(block.bytes.size() * 8);
+                    run.m_offset =
+                        static_cast<std::uint32_t>((content.bytes.size() - block.offset) * 8);
                     run.m_channel_id = layout.m_channel_id;
                     run.m_timestamp = tick;
                     run.m_duration = duration;
                     run.m_first_sample_index = piece.begin;
                     run.m_count = piece.end - piece.begin;
                     if (!appendRun(layout, *source.delivered, piece.begin, run.m_count, values,
-                                   block.bytes)) {
+                                   content.bytes)) {
                         continue;
                     }
                     description.m_channels.push_back(run);
@@ -515,7 +525,7 @@ std::uint64_t DataSets::requestData(const MessageRecord& message, zlr::IfValue**
                           " that asks for neither a window nor the stream");
     }
     *result = new DataBlockList(m_host.ledger(), writeDataBlockList(content.list),
-                                std::move(content.blocks));
+                                std::move(content.blocks), std::move(content.bytes));
     return zlr::RESULT_OK;
 }
 

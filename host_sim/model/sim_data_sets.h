@@ -70,6 +70,7 @@ struct DataSet {
 struct BlockListContent {
     zlr::DataBlockList list;
     std::vector<DataBlockList::Block> blocks;
+    BlockBytes bytes; // of all blocks, each from its offset on
 };
 
 class DataSets final : public HostService {

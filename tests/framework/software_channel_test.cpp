@@ -132,35 +132,44 @@ protected:
                           });
     }
 
-    // A block list of one block per round: samples of channel 5 from
-    // `first`, covering [begin, end) seconds.
-    static zelvar_sim::DataBlockList::Block block(std::uint64_t first,
-                                                  const std::vector<double>& values)
+    // A block of samples of channel 5 from `first`.
+    struct Samples {
+        std::uint64_t first;
+        std::vector<double> values;
+    };
+    static Samples block(std::uint64_t first, std::vector<double> values)
     {
-        DataBlock layout;
-        layout.m_stream_id = 3;
-        DataBlockChannel run;
-        run.m_channel_id = 5;
-        run.m_first_sample_index = first;
-        run.m_count = values.size();
-        layout.m_channels.push_back(run);
-        zelvar_sim::DataBlockList::Block block;
-        block.bytes.resize(values.size() * sizeof(double));
-        std::memcpy(block.bytes.data(), values.data(), block.bytes.size());
-        layout.m_data_size = block.bytes.size();
-        block.description = zelvar_sim::writeDataBlock(layout);
-        return block;
+        return {first, std::move(values)};
     }
 
-    IfValue* blockList(double begin, double end, std::vector<zelvar_sim::DataBlockList::Block> blocks)
+    // A block list covering [begin, end) seconds.
+    IfValue* blockList(double begin, double end, const std::vector<Samples>& samples)
     {
+        std::vector<zelvar_sim::DataBlockList::Block> blocks;
+        zelvar_sim::BlockBytes bytes;
+        for (const Samples& one : samples) {
+            DataBlock layout;
+            layout.m_stream_id = 3;
+            DataBlockChannel run;
+            run.m_channel_id = 5;
+            run.m_first_sample_index = one.first;
+            run.m_count = one.values.size();
+            layout.m_channels.push_back(run);
+            layout.m_data_size = one.values.size() * sizeof(double);
+            zelvar_sim::DataBlockList::Block block;
+            block.offset = bytes.size();
+            block.description = zelvar_sim::writeDataBlock(layout);
+            bytes.resize(bytes.size() + layout.m_data_size);
+            std::memcpy(bytes.data() + block.offset, one.values.data(), layout.m_data_size);
+            blocks.push_back(std::move(block));
+        }
         DataBlockList list;
         list.m_block_count = static_cast<std::uint32_t>(blocks.size());
         if (!blocks.empty()) {
             list.m_intervals.push_back({begin, end});
         }
         return new zelvar_sim::DataBlockList(host.ledger(), zelvar_sim::writeDataBlockList(list),
-                                             std::move(blocks));
+                                             std::move(blocks), std::move(bytes));
     }
 
     zelvar_sim::SimHost host;
