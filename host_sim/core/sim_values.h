@@ -98,7 +98,8 @@ private:
 // copied to be read once.
 class LentXmlValue final : public RefCounted<zlr::IfXmlValue> {
 public:
-    LentXmlValue(ValueLedger& ledger, const std::string& text, std::shared_ptr<const void> keep_alive)
+    LentXmlValue(ValueLedger& ledger, const std::string& text,
+                 std::shared_ptr<const void> keep_alive)
         : RefCounted(ledger, TYPE_CODE), m_text(&text), m_keep_alive(std::move(keep_alive))
     {
     }

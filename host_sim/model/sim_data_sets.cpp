@@ -262,7 +262,8 @@ BlockListContent DataSets::blocksOf(const DataSet& data_set, const BlockGrid& gr
         for (Source& source : sources) {
             SampleSpan all = samplesOf(*source.channel, grid.boundary(first), grid.boundary(last));
             all.end = std::min(all.end, source.delivered->length());
-            expected += (all.end > all.begin ? all.end - all.begin : 0) * (source.layout->m_stride / 8);
+            expected +=
+                (all.end > all.begin ? all.end - all.begin : 0) * (source.layout->m_stride / 8);
         }
         content.bytes.reserve(content.bytes.size() + expected);
         zlr::DataBlock description;

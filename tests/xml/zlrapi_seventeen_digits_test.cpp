@@ -46,7 +46,8 @@ TEST(SeventeenDigits, PrintsWhatPrintfPrints)
         {"decimal steps", [&] { return static_cast<double>(random.pick(1, 3600000)) * 0.001; }},
         // 16 whole digits and a quarter: the 18th digit is a 5 with nothing
         // after it, so the 17th rounds half to even.
-        {"exact ties", [&] { return static_cast<double>(random.pick(1LL << 50, 1LL << 51)) / 4.0; }},
+        {"exact ties",
+         [&] { return static_cast<double>(random.pick(1LL << 50, 1LL << 51)) / 4.0; }},
         {"anything", [&] { return std::fabs(random.finite()); }},
     };
     for (const auto& family : families) {

@@ -60,8 +60,8 @@ char* printSeventeenDigits(char* out, double magnitude)
             .ptr;
     }
     // magnitude = significand / 2^shift, exactly.
-    const std::uint64_t significand =
-        (bits & ((std::uint64_t{1} << SIGNIFICAND_BITS) - 1)) | (std::uint64_t{1} << SIGNIFICAND_BITS);
+    constexpr std::uint64_t HIDDEN_BIT = std::uint64_t{1} << SIGNIFICAND_BITS;
+    const std::uint64_t significand = (bits & (HIDDEN_BIT - 1)) | HIDDEN_BIT;
     const int shift = SIGNIFICAND_BITS - binary_exponent;
 
     // floor(binary_exponent * log10 2): the decimal exponent or one below it.
